@@ -19,6 +19,7 @@
 // items a collection) declares its metaclass shape at its root with
 // `template <class T> using MetaImplOf = ...;` and every descendant inherits it.
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -66,6 +67,9 @@ public:
 using TClass = const TMetaClass*;
 
 template <class T> class TObjectMetaImpl;
+
+// The plain event: "something about Sender changed". Empty means not assigned.
+using TNotifyEvent = std::function<void(TObject* Sender)>;
 
 class TObject {
 public:
