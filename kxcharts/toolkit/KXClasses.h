@@ -37,6 +37,8 @@ class TComponent;
 class TCollection;
 class TCollectionItem;
 class TReader;
+class TWriter;
+struct TReaderAccess;
 
 // --- Enumerations and errors ---
 
@@ -139,6 +141,7 @@ private:
   intptr_t FTag = 0;
   TComponentState FComponentState;
   bool FFreeing = false;
+  bool FSubComponent = false;
   std::vector<TComponent*> FComponents;
   // Symmetric: A is in B's list exactly when B is in A's.
   std::vector<TComponent*> FFreeNotifies;
@@ -169,6 +172,10 @@ public:
   // Position in the owner's list; -1 without an owner.
   int32_t ComponentIndex() const;
   void SetComponentIndex(int32_t Value);
+  // A sub-component is made by its owner itself (in AfterConstruction()), so a writer
+  // does not store it as a component of its own: the owner makes it again when read.
+  bool IsSubComponent() const { return FSubComponent; }
+  void SetSubComponent(bool Value) { FSubComponent = Value; }
 
   // --- Operations ---
   // The owned component of that name (ASCII case ignored), or nullptr.
@@ -208,9 +215,13 @@ protected:
   virtual void ValidateRename(TComponent* AComponent, const std::string& CurName,
                               const std::string& NewName);
   void BeginDestruction() override;
+  // Tag (default 0); the name is stored by the writer itself.
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   friend class TReader;
+  friend class TWriter;
+  friend struct TReaderAccess;
   static void Deliver(TComponent* To, TComponent* AComponent, TOperation Operation);
   void BroadcastToOwned(TComponent* AComponent, TOperation Operation);
   void TellFreeNotifies();

@@ -183,6 +183,8 @@ public:
 
 namespace kx {
 
+class TFiler;
+
 class TPersistent : public TObject {
   KX_CLASS(TPersistent, TObject)
 
@@ -195,6 +197,11 @@ public:
 protected:
   // The other direction of Assign, for classes that know how to fill a foreign class.
   virtual void AssignTo(TPersistent* Dest) const;
+  // Declares the stored properties of this class to a reader or writer (KXStreaming.h).
+  // Overrides call the inherited one first, then declare their own in their stored
+  // order. The base declares none.
+  virtual void DefineProperties(TFiler& Filer);
+  friend class TFiler;
   // Raises "Cannot assign a <Source class, or nil> to a <this class>".
   [[noreturn]] void AssignError(const TPersistent* Source) const;
 };
