@@ -24,13 +24,9 @@ constexpr int FormatVersion = 1;
 constexpr int MaxJsonDepth = 256;
 constexpr int MaxComponentDepth = 64;
 
-constexpr std::string_view ReservedNames[] = {"Class", "Name", "Components", "Items"};
-
-bool IsReservedName(std::string_view Name) {
-  for (std::string_view R : ReservedNames)
-    if (R == Name) return true;
-  return false;
-}
+// Entries the format itself uses in a component and in a collection.
+constexpr std::string_view ComponentEntries[] = {"Class", "Name", "Components"};
+constexpr std::string_view CollectionEntries[] = {"Items"};
 
 const char* JsonKind(const TJson& J) {
   switch (J.type()) {
@@ -249,11 +245,17 @@ void TFiler::DefineAll(TPersistent* Obj) {
 
 void TFiler::Declare(std::string_view Name) {
   TFrame& F = Frame();
-  if (IsReservedName(Name))
-    throw Exception("\"" + std::string(Name) + "\" is reserved by the form format");
   for (const std::string& D : F.Declared)
     if (D == Name) throw Exception("Property " + std::string(Name) + " is declared twice");
   F.Declared.emplace_back(Name);
+}
+
+void TFiler::CheckReserved(const TPersistent* Obj,
+                           std::span<const std::string_view> Entries) const {
+  for (std::string_view E : Entries)
+    if (WasDeclared(E))
+      throw Exception("A " + Obj->ClassName() + " cannot store a property named \"" +
+                      std::string(E) + "\": the form format uses that entry");
 }
 
 void TFiler::AddRedefault(std::string_view Name, std::any Default) {
@@ -377,6 +379,7 @@ std::string TWriter::WriteRootComponent(TComponent* Root) {
     S.Objects.push_back(&Obj);
     try {
       DefineAll(C);
+      CheckReserved(C, ComponentEntries);
     } catch (...) {
       S.Objects.pop_back();
       throw;
@@ -493,6 +496,7 @@ void TWriter::StoreCollection(std::string_view Name, TCollection* Coll) {
   S.Objects.push_back(&Own);
   try {
     DefineAll(Coll);
+    CheckReserved(Coll, CollectionEntries);
     for (int32_t I = 0; I < Coll->Count(); ++I) {
       S.Path.PushIndex(static_cast<size_t>(I));
       TPathScope ItemScope{S.Path};
@@ -590,10 +594,14 @@ struct TReader::TState {
     }
   }
   long long ToInteger(const TJson& J, long long Min, long long Max) const {
+    auto OutOfRange = [&](const std::string& Number) {
+      Fail(Number + " is out of range (" + std::to_string(Min) + " to " + std::to_string(Max) +
+           ")");
+    };
     long long V = 0;
     if (J.is_number_unsigned()) {
       const auto U = J.get<uint64_t>();
-      if (U > static_cast<uint64_t>(Max)) Fail(std::to_string(U) + " is out of range");
+      if (U > static_cast<uint64_t>(Max)) OutOfRange(std::to_string(U));
       V = static_cast<long long>(U);
     } else if (J.is_number_integer()) {
       V = J.get<int64_t>();
@@ -602,9 +610,7 @@ struct TReader::TState {
     } else {
       Fail(std::string("expected an integer, found ") + JsonKind(J));
     }
-    if (V < Min || V > Max)
-      Fail(std::to_string(V) + " is out of range (" + std::to_string(Min) + " to " +
-           std::to_string(Max) + ")");
+    if (V < Min || V > Max) OutOfRange(std::to_string(V));
     return V;
   }
   double ToFloat(const TJson& J) const {
@@ -765,6 +771,7 @@ void TReader::StoreCollection(std::string_view Name, TCollection* Coll) {
     S.Objects.push_back(J);
     try {
       DefineAll(Coll);
+      CheckReserved(Coll, CollectionEntries);
       for (auto It = J->begin(); It != J->end(); ++It)
         if (It.key() != "Items" && !WasDeclared(It.key()))
           S.Fail("unknown property \"" + It.key() + "\"");
@@ -901,6 +908,7 @@ struct TReaderAccess {
     S.Objects.push_back(&J);
     try {
       R.DefineAll(C);
+      R.CheckReserved(C, ComponentEntries);
       for (auto It = J.begin(); It != J.end(); ++It)
         if (It.key() != "Class" && It.key() != "Name" && It.key() != "Components" &&
             !R.WasDeclared(It.key()))
@@ -932,8 +940,8 @@ struct TReaderAccess {
       auto ClassName = ChildJson.find("Class");
       if (ClassName == ChildJson.end() || !ClassName->is_string())
         S.Fail("a component needs its \"Class\"");
-      TClass Class = nullptr;
-      S.Guard([&] { Class = FindClass(ClassName->get_ref<const std::string&>()); });
+      TClass Class = GetClass(ClassName->get_ref<const std::string&>());
+      if (!Class) S.Fail("Class " + ClassName->get<std::string>() + " not found");
       const auto* Meta = dynamic_cast<const TComponentMeta*>(Class);
       if (!Meta) S.Fail(ClassName->get<std::string>() + " is not a component class");
       TComponent* Child = nullptr;
@@ -981,7 +989,11 @@ struct TReaderAccess {
   }
 
   static void Load(TReader& R, TReader::TState& S, TComponent* Root, const TJson& Form) {
-    S.Path.Push(Root->ClassName());
+    auto DocName = Form.find("Name");
+    S.Path.Push(DocName != Form.end() && DocName->is_string() &&
+                        !DocName->get_ref<const std::string&>().empty()
+                    ? DocName->get<std::string>()
+                    : Root->ClassName());
     TPathScope Scope{S.Path};
     auto ClassName = Form.find("Class");
     if (ClassName == Form.end() || !ClassName->is_string()) S.Fail("the form needs its \"Class\"");

@@ -278,6 +278,10 @@ protected:
   // Whether the last DefineAll that finished at this depth declared Name (the reader
   // refuses document entries that no declaration asked for).
   bool WasDeclared(std::string_view Name) const;
+  // Raises Exception when the last DefineAll declared one of Entries, which the document
+  // format uses for itself ("Class", "Name", "Components" in a component, "Items" in a
+  // collection).
+  void CheckReserved(const TPersistent* Obj, std::span<const std::string_view> Entries) const;
 
   // The two directions, for the scalar kinds and the owned kinds. ReadValue hands the
   // value to Apply (which calls the setter) when the document has the property.
@@ -299,8 +303,7 @@ private:
   using ValueOf = std::remove_cvref_t<std::invoke_result_t<TGet, TObj*>>;
   struct NoPredicate {};
 
-  // Notes a declaration of the current object; raises Exception for a name declared twice
-  // or reserved by the document format ("Class", "Name", "Components", "Items").
+  // Notes a declaration of the current object; raises Exception for a name declared twice.
   void Declare(std::string_view Name);
   void AddRedefault(std::string_view Name, std::any Default);
   const std::any* FindRedefault(std::string_view Name) const;
