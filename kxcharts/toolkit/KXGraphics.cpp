@@ -273,19 +273,26 @@ bool KXIntersectRect(const TRect& A, const TRect& B) noexcept {
 }
 
 double FitRect(TRectF& R, const TRectF& Bounds, bool ShrinkOnly) noexcept {
+  // Tested before FixRect, whose min and max would hide a NaN.
+  const auto IsFinite = [](const TRectF& X) {
+    return std::isfinite(X.Left) && std::isfinite(X.Top) && std::isfinite(X.Right) &&
+           std::isfinite(X.Bottom);
+  };
+  const bool BoundsFinite = IsFinite(Bounds);
+  const bool Finite = BoundsFinite && IsFinite(R);
   const TRectF B = FixRect(Bounds);
   const TRectF S = FixRect(R);
   const double BW = KXRectWidth(B), BH = KXRectHeight(B);
   const double W = KXRectWidth(S), H = KXRectHeight(S);
   const double CX = B.Left + BW / 2, CY = B.Top + BH / 2;
   const auto Empty = [&] {
-    const float X = std::isfinite(CX) ? ToFloat(CX) : 0.0f;
-    const float Y = std::isfinite(CY) ? ToFloat(CY) : 0.0f;
+    const float X = BoundsFinite && std::isfinite(CX) ? ToFloat(CX) : 0.0f;
+    const float Y = BoundsFinite && std::isfinite(CY) ? ToFloat(CY) : 0.0f;
     R = {X, Y, X, Y};
     return 0.0;
   };
-  if (!std::isfinite(BW) || !std::isfinite(BH) || !std::isfinite(W) || !std::isfinite(H) ||
-      !std::isfinite(CX) || !std::isfinite(CY))
+  if (!Finite || !std::isfinite(BW) || !std::isfinite(BH) || !std::isfinite(W) ||
+      !std::isfinite(H) || !std::isfinite(CX) || !std::isfinite(CY))
     return Empty();
 
   const double ScaleW = W > 0 ? BW / W : std::numeric_limits<double>::infinity();
@@ -359,29 +366,44 @@ double Lerp(double A, double B, double T) {
 bool ClipCanvasLine(double& X1, double& Y1, double& X2, double& Y2) noexcept {
   if (std::isnan(X1) || std::isnan(Y1) || std::isnan(X2) || std::isnan(Y2)) return false;
   const double AX = Finite(X1), AY = Finite(Y1), BX = Finite(X2), BY = Finite(Y2);
-  // Liang-Barsky on quarters of the coordinates, whose differences cannot overflow.
-  const double L = KXCanvasCoordLimit / 4;
-  const double DX = BX / 4 - AX / 4, DY = BY / 4 - AY / 4;
-  double T0 = 0, T1 = 1;
+  // Work in units of a power of two that brings every coordinate within 1, so that no
+  // product overflows and the scaling itself is exact.
+  int Exp = 0;
+  std::frexp(std::max({std::abs(AX), std::abs(AY), std::abs(BX), std::abs(BY), 1.0}), &Exp);
+  const auto Down = [Exp](double V) { return std::ldexp(V, -Exp); };
+  const double Ax = Down(AX), Ay = Down(AY), Dx = Down(BX) - Ax, Dy = Down(BY) - Ay;
+  const double L = Down(KXCanvasCoordLimit);
+  // Measure from the point of the segment nearest the origin: when both ends lie far out,
+  // parameters taken from an end would lose the visible part to rounding.
+  const double DD = Dx * Dx + Dy * Dy;
+  const double TNear = DD > 0 ? std::clamp(-(Ax * Dx + Ay * Dy) / DD, 0.0, 1.0) : 0.0;
+  const double Cx = Ax + TNear * Dx, Cy = Ay + TNear * Dy;
+  // Liang-Barsky on C + U * D for U in [-TNear, 1 - TNear].
+  double U0 = -TNear, U1 = 1 - TNear;
   const auto Clip = [&](double P, double Q) {
     if (P == 0) return Q >= 0;
-    const double T = Q / P;
+    const double U = Q / P;
     if (P < 0) {
-      if (T > T1) return false;
-      T0 = std::max(T0, T);
+      if (U > U1) return false;
+      U0 = std::max(U0, U);
     } else {
-      if (T < T0) return false;
-      T1 = std::min(T1, T);
+      if (U < U0) return false;
+      U1 = std::min(U1, U);
     }
     return true;
   };
-  if (!Clip(-DX, AX / 4 + L) || !Clip(DX, L - AX / 4) || !Clip(-DY, AY / 4 + L) ||
-      !Clip(DY, L - AY / 4))
+  if (!Clip(-Dx, Cx + L) || !Clip(Dx, L - Cx) || !Clip(-Dy, Cy + L) || !Clip(Dy, L - Cy))
     return false;
-  X1 = ClampCanvasCoord(Lerp(AX, BX, T0));
-  Y1 = ClampCanvasCoord(Lerp(AY, BY, T0));
-  X2 = ClampCanvasCoord(Lerp(AX, BX, T1));
-  Y2 = ClampCanvasCoord(Lerp(AY, BY, T1));
+  const auto Up = [Exp](double V) { return ClampCanvasCoord(std::ldexp(V, Exp)); };
+  // Ends that were not cut keep their exact value.
+  if (U0 != -TNear) {
+    X1 = Up(Cx + U0 * Dx);
+    Y1 = Up(Cy + U0 * Dy);
+  }
+  if (U1 != 1 - TNear) {
+    X2 = Up(Cx + U1 * Dx);
+    Y2 = Up(Cy + U1 * Dy);
+  }
   return true;
 }
 
@@ -406,9 +428,13 @@ std::vector<TCanvasPointD> ClipCanvasPolygon(std::span<const TCanvasPointD> Poly
       const bool AIn = Inside(A), BIn = Inside(B);
       if (AIn) Next.push_back(A);
       if (AIn != BIn) {
-        const double CA = OnX ? A.X : A.Y, CB = OnX ? B.X : B.Y;
-        const double T = (Sign * L / 4 - CA / 4) / (CB / 4 - CA / 4);
-        TCanvasPointD Cross{Lerp(A.X, B.X, T), Lerp(A.Y, B.Y, T)};
+        // Measured from the end inside: the far end may lie so far out that a parameter
+        // taken from it loses the crossing to rounding.
+        const TCanvasPointD& In = AIn ? A : B;
+        const TCanvasPointD& Out = AIn ? B : A;
+        const double CIn = OnX ? In.X : In.Y, COut = OnX ? Out.X : Out.Y;
+        const double T = (Sign * L / 4 - CIn / 4) / (COut / 4 - CIn / 4);
+        TCanvasPointD Cross{Lerp(In.X, Out.X, T), Lerp(In.Y, Out.Y, T)};
         (OnX ? Cross.X : Cross.Y) = Sign * L;
         Next.push_back(Cross);
       }

@@ -144,7 +144,8 @@ bool KXIntersectRect(TRect& Dest, const TRect& A, const TRect& B) noexcept;
 // rectangle that already fits keeps its size and is only centred. Both come out in normal
 // form. Answers the scale applied. A side of 0 in R keeps 0 and the other side alone
 // decides the scale; an R of no size, a Bounds of no size or a number that is not finite
-// gives the empty rectangle at the centre of Bounds and a scale of 0.
+// gives the empty rectangle at the centre of Bounds (at 0, 0 when Bounds is not finite)
+// and a scale of 0.
 double FitRect(TRectF& R, const TRectF& Bounds, bool ShrinkOnly = false) noexcept;
 
 // The middle of an edge or a corner of R, on R's own coordinates (the bottom edge is
