@@ -40,17 +40,6 @@ TEST(ChartGlyphs, EveryKindHasItsOwnPathFillingTheSixteenBox) {
   }
 }
 
-TEST(ChartGlyphs, RingsHaveHolesAndFramesAreHollow) {
-  auto Donut = MakeOwned<TKXPathData>();
-  Donut->SetPathString(DefaultChartGlyphPaths[ctDonut]);
-  EXPECT_FALSE(Donut->PointInPath(8, 8));
-  EXPECT_TRUE(Donut->PointInPath(8, 2));
-  auto Frame = MakeOwned<TKXPathData>();
-  Frame->SetPathString(DefaultChartGlyphPaths[ctChartInChart]);
-  EXPECT_TRUE(Frame->PointInPath(1.5, 8));
-  EXPECT_FALSE(Frame->PointInPath(4, 4));
-}
-
 // --- Logarithmic types ---
 
 TEST(LogTypes, CompositeTypesSplitIntoTwoDifferentPairsOfSimpleTypes) {
@@ -122,17 +111,6 @@ TEST(ColorSchemes, TheDefaultPaletteIsVividAndReadableOnWhite) {
     // The contrast ratio of graphics against a white page, 3:1 at least.
     const double Contrast = 1.05 / (ToLab(C).Luminance + 0.05);
     EXPECT_GE(Contrast, 3.0) << std::hex << C;
-  }
-}
-
-// --- Errors ---
-
-TEST(ChartException, CarriesItsTextAsAnException) {
-  try {
-    throw EKXChartException(SSourceTargetChartEqual);
-  } catch (const Exception& E) {
-    EXPECT_EQ(E.Message(), SSourceTargetChartEqual);
-    EXPECT_NE(dynamic_cast<const EKXChartException*>(&E), nullptr);
   }
 }
 
