@@ -13,6 +13,7 @@
 
 #include <cstdint>
 
+#include "kxcharts/toolkit/KXSysUtils.h"
 #include "kxcharts/toolkit/KXTypes.h"
 
 namespace kx {

@@ -185,16 +185,14 @@ size_t QuotedLength(std::string_view S, size_t I) {
 }
 
 // The length of an exponent specifier ("E+00") at I, or 0 when the letter there is plain
-// text. MinDigits gets the number of zeros after the sign (at most four are read).
+// text. All zeros after the sign belong to it; MinDigits gets their number, at most four.
 size_t ExponentLength(std::string_view S, size_t I, int32_t& MinDigits) {
   if ((S[I] != 'E' && S[I] != 'e') || I + 1 >= S.size() || (S[I + 1] != '+' && S[I + 1] != '-'))
     return 0;
   size_t J = I + 2;
-  MinDigits = 0;
-  while (J < S.size() && S[J] == '0' && MinDigits < 4) {
+  while (J < S.size() && S[J] == '0')
     ++J;
-    ++MinDigits;
-  }
+  MinDigits = static_cast<int32_t>(std::min<size_t>(J - I - 2, 4));
   return J - I;
 }
 

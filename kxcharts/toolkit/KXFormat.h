@@ -16,6 +16,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "kxcharts/toolkit/KXSysUtils.h"
 #include "kxcharts/toolkit/KXTypes.h"
 
 namespace kx {

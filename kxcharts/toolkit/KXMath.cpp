@@ -35,6 +35,8 @@ int64_t ToInt64(double Whole, const char* Operation, double X) {
 
 bool SameValue(double A, double B, double Epsilon) {
   if (A == B) return true;
+  // An infinity would make the default tolerance infinite too.
+  if (std::isinf(A) || std::isinf(B)) return false;
   if (Epsilon == 0)
     Epsilon = Max(Min(std::fabs(A), std::fabs(B)) * DoubleResolution, DoubleResolution);
   return A > B ? (A - B) <= Epsilon : (B - A) <= Epsilon;
@@ -42,6 +44,7 @@ bool SameValue(double A, double B, double Epsilon) {
 
 bool SameValue(float A, float B, float Epsilon) {
   if (A == B) return true;
+  if (std::isinf(A) || std::isinf(B)) return false;
   if (Epsilon == 0)
     Epsilon = Max(Min(std::fabs(A), std::fabs(B)) * SingleResolution, SingleResolution);
   return A > B ? (A - B) <= Epsilon : (B - A) <= Epsilon;
@@ -279,10 +282,18 @@ double Mean(std::span<const double> Data) {
 
 double TotalVariance(std::span<const double> Data) {
   NeedValues(Data, 1, "TotalVariance");
-  const double M = Mean(Data);
-  double Result = 0;
+  // Deviations are taken from the first value before the mean, so that equal values give
+  // exactly 0 (the mean of seven times 0.1 is not 0.1) and large offsets cancel early.
+  const double Shift = Data[0];
+  double ShiftedSum = 0;
   for (double V : Data)
-    Result += (V - M) * (V - M);
+    ShiftedSum += V - Shift;
+  const double ShiftedMean = ShiftedSum / static_cast<double>(Data.size());
+  double Result = 0;
+  for (double V : Data) {
+    const double D = (V - Shift) - ShiftedMean;
+    Result += D * D;
+  }
   return Result;
 }
 
