@@ -78,10 +78,11 @@ std::string FloatToStr(double Value);
 //      E+ always writes the exponent's sign, E- only a minus
 //   'text' "text"  written as it stands;  any other character is written as it stands.
 // Integer digits beyond the placeholders all go at the first one; decimals beyond them are
-// rounded. An empty picture (or empty first section) gives FloatToStr; so does a number
-// with more than 18 integer digits in a picture without exponent (1e308 with "#,##0" is
-// "1E308"). A picture that begins with '%' is read as a Format string with Value as its
-// one argument, so FormatFloat("%.4f", 2.5) is "2.5000".
+// rounded; a section without placeholders writes only its text (a zero section "'none'"). An empty
+// picture (or empty first section) gives FloatToStr; so does a number with more than 18 integer
+// digits in a picture without exponent (1e308 with "#,##0" is "1E308"). A picture that begins with
+// '%' is read as a Format string with Value as its one argument, so FormatFloat("%.4f", 2.5) is
+// "2.5000".
 std::string FormatFloat(std::string_view Format, double Value);
 
 // Decimal digits of any integer type, with a '-' for negatives.

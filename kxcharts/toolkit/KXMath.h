@@ -82,7 +82,7 @@ constexpr double RadToDeg(double Radians) {
 
 // The smaller / larger of two numbers of one type. Mixed types do not compile, as the
 // caller is to say which arithmetic is meant. With a NaN the second argument wins unless
-// the comparison holds, as in the classic definitions (Min(NaN, 1) is 1, Min(1, NaN) NaN).
+// the comparison holds (Min(NaN, 1) is 1, Min(1, NaN) NaN).
 constexpr int32_t Min(int32_t A, int32_t B) {
   return A < B ? A : B;
 }
@@ -127,7 +127,7 @@ bool InRange(double Value, double AMin, double AMax);
 // --- Random numbers ---
 //
 // One process-wide linear congruential generator (multiplier 0x08088405, increment 1,
-// modulo 2^32), the classic one, so that a fixed seed gives a repeatable sequence.
+// modulo 2^32), so that a fixed seed gives a repeatable sequence.
 
 // Uniform in [0, 1).
 double Random();
@@ -140,10 +140,9 @@ void SetRandSeed(int32_t Seed);
 
 // --- Statistics ---
 //
-// Over any run of doubles. Sums run in index order. Where the classic definitions divide
-// 0 by 0 (the mean of no values, the sample variance of one value) the operation raises
-// EInvalidOp, as the platform does with its default floating-point control word; sums of
-// no values are 0.
+// Over any run of doubles. Sums run in index order. Where the definitions divide 0 by 0
+// (the mean of no values, the sample variance of one value) the operation raises
+// EInvalidOp rather than answering NaN; sums of no values are 0.
 
 double Sum(std::span<const double> Data);
 double SumOfSquares(std::span<const double> Data);

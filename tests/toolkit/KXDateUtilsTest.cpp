@@ -73,7 +73,7 @@ TEST(DateUtils, LeapYearsFollowTheGregorianRule) {
   EXPECT_THROW(DaysInAMonth(2024, 13), EConvertError);
 }
 
-TEST(DateUtils, InvalidPartsRaiseThePlatformTexts) {
+TEST(DateUtils, InvalidPartsRaiseEncodeErrors) {
   const int32_t BadDates[][3] = {{2023, 2, 29}, {1900, 2, 29}, {0, 1, 1},     {10000, 1, 1},
                                  {2023, 13, 1}, {2023, 0, 1},  {2023, 4, 31}, {2023, 1, 0}};
   for (const auto& B : BadDates) {
