@@ -14,10 +14,10 @@
 namespace kx {
 
 // Name tables live in namespace kx, beside their enumerations.
-enum TStKind : uint8_t { skPlain, skRaised, skSunken };
-KX_ENUM_NAMES(TStKind, "skPlain", "skRaised", "skSunken")
-enum TStOption : uint8_t { soGrid, soTitle, soLabels, soReversed };
-KX_ENUM_NAMES(TStOption, "soGrid", "soTitle", "soLabels", "soReversed")
+enum TStKind : uint8_t { stkPlain, stkRaised, stkSunken };
+KX_ENUM_NAMES(TStKind, "stkPlain", "stkRaised", "stkSunken")
+enum TStOption : uint8_t { stoGrid, stoTitle, stoLabels, stoReversed };
+KX_ENUM_NAMES(TStOption, "stoGrid", "stoTitle", "stoLabels", "stoReversed")
 using TStOptions = TSet<TStOption>;
 
 namespace {
@@ -171,7 +171,7 @@ public:
   double Minimum() const { return FMinimum; }
   void SetMinimum(double V) {
     FMinimum = V;
-    FOptions.Exclude(soGrid);
+    FOptions.Exclude(stoGrid);
   }
   TStOptions Options() const { return FOptions; }
   void SetOptions(TStOptions V) { FOptions = V; }
@@ -183,7 +183,7 @@ protected:
     inherited::DefineProperties(Filer);
     Filer.Property("Color", this, &TStPanel::Color, &TStPanel::SetColor, clBtnFace);
     Filer.Property("Font", this, &TStPanel::Font);
-    Filer.Property("Kind", this, &TStPanel::Kind, &TStPanel::SetKind, skRaised);
+    Filer.Property("Kind", this, &TStPanel::Kind, &TStPanel::SetKind, stkRaised);
     Filer.Property("Ratio", this, &TStPanel::Ratio, &TStPanel::SetRatio);
     Filer.Property("Minimum", this, &TStPanel::Minimum, &TStPanel::SetMinimum);
     Filer.Property("Options", this, &TStPanel::Options, &TStPanel::SetOptions);
@@ -194,10 +194,10 @@ protected:
 private:
   TColor FColor = clBtnFace;
   TOwned<TStFont> FFont{New<TStFont>()};
-  TStKind FKind = skRaised;
+  TStKind FKind = stkRaised;
   double FRatio = 0;
   double FMinimum = 0;
-  TStOptions FOptions{soGrid, soTitle};
+  TStOptions FOptions{stoGrid, stoTitle};
   TSet<uint8_t, 8> FDimensions;
 };
 
@@ -231,7 +231,7 @@ protected:
   void DefineProperties(TFiler& Filer) override {
     inherited::DefineProperties(Filer);
     Filer.Property("Panel", this, &TStChart::Panel, &TStChart::SetPanel);
-    Filer.Property("Options", this, &TStChart::Options, &TStChart::SetOptions, TStOptions{soGrid},
+    Filer.Property("Options", this, &TStChart::Options, &TStChart::SetOptions, TStOptions{stoGrid},
                    &TStChart::StoreOptions);
     Filer.Property("Preview", this, &TStChart::Preview, &TStChart::SetPreview, false);
     Filer.Property("Values", this, &TStChart::Values);
@@ -241,7 +241,7 @@ protected:
 private:
   TStPanel* FPanel = nullptr;
   TOwned<TStPoints> FValues{New<TStPoints>(this)};
-  TStOptions FOptions{soGrid};
+  TStOptions FOptions{stoGrid};
   bool FPreview = false;
 };
 
@@ -249,11 +249,11 @@ private:
 class TStBarChart : public TStChart {
   KX_CLASS(TStBarChart, TStChart)
 public:
-  explicit TStBarChart(TComponent* Owner) : TStChart(Owner) { SetOptions({soGrid, soLabels}); }
+  explicit TStBarChart(TComponent* Owner) : TStChart(Owner) { SetOptions({stoGrid, stoLabels}); }
 
 protected:
   void DefineProperties(TFiler& Filer) override {
-    Filer.Redefault("Options", TStOptions{soGrid, soLabels});
+    Filer.Redefault("Options", TStOptions{stoGrid, stoLabels});
     inherited::DefineProperties(Filer);
   }
 };
@@ -292,15 +292,15 @@ TOwned<TStForm> BuildForm() {
   auto* Panel = Make<TStPanel>(Form.get(), "Panel1");
   Panel->SetColor(RGBToColor(0x12, 0x34, 0x56));
   Panel->Font()->SetSize(11);
-  Panel->SetKind(skSunken);
+  Panel->SetKind(stkSunken);
   Panel->SetRatio(0.1);
   Panel->SetMinimum(-5);
-  Panel->SetOptions({soGrid, soReversed}); // after Minimum, which cleared soGrid
+  Panel->SetOptions({stoGrid, stoReversed}); // after Minimum, which cleared stoGrid
   Panel->SetDimensions(TSet<uint8_t, 8>{0, 2});
   Panel->SetTag(7);
   auto* Chart = Make<TStChart>(Form.get(), "Chart1");
   Chart->SetPanel(Panel);
-  Chart->SetOptions({soTitle});
+  Chart->SetOptions({stoTitle});
   Chart->Values()->SetLimit(100);
   auto* A = static_cast<TStPoint*>(Chart->Values()->Add());
   A->SetCaption("Ünïcode \"quoted\"");
@@ -349,7 +349,7 @@ void ExpectSameForms(TStForm* A, TStForm* B) {
   }
   auto* BarB = static_cast<TStBarChart*>(B->FindComponent("Bar1"));
   ASSERT_TRUE(BarB);
-  EXPECT_EQ(BarB->Options(), (TStOptions{soGrid, soLabels}));
+  EXPECT_EQ(BarB->Options(), (TStOptions{stoGrid, stoLabels}));
 }
 
 class Streaming : public ::testing::Test {
@@ -377,10 +377,10 @@ TEST_F(Streaming, WritesNonDefaultsByNameAndLeavesDefaultsOut) {
                            "\"Color\": \"#123456\"",
                            "\"Font\": {\n",
                            "\"Size\": 11",
-                           "\"Kind\": \"skSunken\"",
+                           "\"Kind\": \"stkSunken\"",
                            "\"Ratio\": 0.1",
                            "\"Options\": [\n",
-                           "\"soReversed\"",
+                           "\"stoReversed\"",
                            "\"Dimensions\": [\n",
                            "\"Panel\": \"Panel1\"",
                            "\"Limit\": 100",
@@ -396,7 +396,7 @@ TEST_F(Streaming, WritesNonDefaultsByNameAndLeavesDefaultsOut) {
   // Font name and colour at their defaults, Kind of Bar1, the bar chart's own default
   // Options, Preview false, Visible true, ValueIndex of a point without target, the tag
   // of the other components: none of them is written.
-  const char* Absent[] = {"DejaVu Sans", "clWindowText", "skRaised", "Preview"};
+  const char* Absent[] = {"DejaVu Sans", "clWindowText", "stkRaised", "Preview"};
   for (const char* A : Absent)
     EXPECT_EQ(Json.find(A), std::string::npos) << A;
   const size_t Bar = Json.find("\"Bar1\"");
@@ -410,9 +410,9 @@ TEST_F(Streaming, WritesNonDefaultsByNameAndLeavesDefaultsOut) {
 TEST_F(Streaming, AStoredPredicateKeepsAPropertyOut) {
   TOwned<TStForm> Form(Make<TStForm>(nullptr, "Form1"));
   auto* Chart = Make<TStChart>(Form.get(), "Chart1");
-  Chart->SetOptions({soTitle});
+  Chart->SetOptions({stoTitle});
   Chart->SetPreview(true);
-  EXPECT_EQ(SaveFormToString(Form.get()).find("soTitle"), std::string::npos);
+  EXPECT_EQ(SaveFormToString(Form.get()).find("stoTitle"), std::string::npos);
 }
 
 TEST_F(Streaming, TheReaderMakesAllThenLinksThenLoadsThenClearsLoading) {
@@ -433,7 +433,7 @@ TEST_F(Streaming, TheReaderMakesAllThenLinksThenLoadsThenClearsLoading) {
   EXPECT_FALSE(Copy->ComponentState().Contains(csReading));
   // Properties are read in declared order: Options after Minimum keeps the stored set.
   EXPECT_EQ(static_cast<TStPanel*>(Copy->FindComponent("Panel1"))->Options(),
-            (TStOptions{soGrid, soReversed}));
+            (TStOptions{stoGrid, stoReversed}));
 }
 
 TEST_F(Streaming, LoadingReplacesTheComponentsTheFormHad) {
@@ -513,11 +513,11 @@ TEST_F(Streaming, BadInputRaisesAClearErrorAndLeavesTheFormAsItWas) {
        "Error reading Form1.Panel1.Font.Size: expected an integer, found 11.5"},
       {Replace("\"Size\": 11", "\"Bogus\": 1"),
        "Error reading Form1.Panel1.Font: unknown property \"Bogus\""},
-      {Replace("\"Kind\": \"skSunken\"", "\"Kind\": \"skWobbly\""),
-       "Error reading Form1.Panel1.Kind: \"skWobbly\" is not one of skPlain, skRaised, skSunken"},
-      {Replace("\"soReversed\"", "\"soUpsideDown\""),
-       "Error reading Form1.Panel1.Options: \"soUpsideDown\" is not one of soGrid, soTitle, "
-       "soLabels, soReversed"},
+      {Replace("\"Kind\": \"stkSunken\"", "\"Kind\": \"stkWobbly\""),
+       "Error reading Form1.Panel1.Kind: \"stkWobbly\" is not one of stkPlain, stkRaised, stkSunken"},
+      {Replace("\"stoReversed\"", "\"stoUpsideDown\""),
+       "Error reading Form1.Panel1.Options: \"stoUpsideDown\" is not one of stoGrid, stoTitle, "
+       "stoLabels, stoReversed"},
       {Replace("\"Color\": \"#123456\"", "\"Color\": \"#12345\""),
        "Error reading Form1.Panel1.Color: \"#12345\" is not a colour name, #RRGGBB or 0xHHHHHHHH"},
       {Replace("\"Value\": \"NaN\"", "\"Value\": \"nan\""),
