@@ -123,6 +123,12 @@ std::string_view CutAtNul(std::string_view Text) {
   return Nul == std::string_view::npos ? Text : Text.substr(0, Nul);
 }
 
+// A + B, held at the ends of the int32 range.
+int32_t SatAdd(int32_t A, int32_t B) {
+  const int64_t S = int64_t(A) + B;
+  return S > INT32_MAX ? INT32_MAX : S < INT32_MIN ? INT32_MIN : static_cast<int32_t>(S);
+}
+
 int32_t PangoCeil(int Units) {
   return static_cast<int32_t>((static_cast<int64_t>(Units) + PANGO_SCALE - 1) / PANGO_SCALE);
 }
@@ -814,7 +820,7 @@ TSize TCanvas::TextExtent(std::string_view Source) {
 
 void TCanvas::DrawText(int32_t X, int32_t Y, std::string_view Source, const TRect* ClipTo) {
   const TSize Size = LayoutText(Source, TTextLayout{});
-  FPenPos = {X + Size.cx, Y};
+  FPenPos = {SatAdd(X, Size.cx), Y};
   if (!CanPaint()) return;
   X = Safe(X);
   Y = Safe(Y);
@@ -864,7 +870,7 @@ void TCanvas::TextRect(const TRect& R, int32_t X, int32_t Y, std::string_view Te
 
 void TCanvas::Draw(int32_t X, int32_t Y, TGraphic* Graphic, float Opacity) {
   if (!Graphic) return;
-  StretchDraw({X, Y, X + Graphic->Width(), Y + Graphic->Height()}, Graphic, Opacity);
+  StretchDraw({X, Y, SatAdd(X, Graphic->Width()), SatAdd(Y, Graphic->Height())}, Graphic, Opacity);
 }
 
 void TCanvas::StretchDraw(const TRect& R, TGraphic* Graphic, float Opacity) {
