@@ -748,7 +748,7 @@ void TCanvas::DrawFocusRect(const TRect& R) {
 
 // --- Text ---
 
-TSize TCanvas::LayoutText(std::string_view Source, const TTextLayout& Options) {
+TSize TCanvas::LayoutText(std::string_view Source, const TTextLayout& Options, int32_t* LogicalX) {
   TTextState& T = Text();
   const std::string_view Cut = CutAtNul(Source);
   if (g_utf8_validate(Cut.data(), static_cast<gssize>(Cut.size()), nullptr)) {
@@ -793,23 +793,26 @@ TSize TCanvas::LayoutText(std::string_view Source, const TTextLayout& Options) {
     pango_layout_set_attributes(T.Layout, nullptr);
     T.HasAttributes = false;
   }
+  if (LogicalX) *LogicalX = 0;
   if (Cut.empty()) return {0, 0};
   PangoRectangle Logical;
   pango_layout_get_extents(T.Layout, nullptr, &Logical);
+  if (LogicalX) *LogicalX = static_cast<int32_t>(std::floor(double(Logical.x) / PANGO_SCALE));
   return {PangoCeil(Logical.width), PangoCeil(Logical.height)};
 }
 
-void TCanvas::PaintLayout(int32_t X, int32_t Y, TSize Size) {
+void TCanvas::PaintLayout(int32_t X, int32_t Y, const TRect* Background) {
   if (!CanPaint() || !FText) return;
-  X = Safe(X);
-  Y = Safe(Y);
-  if (FBrush->Style() != bsClear && Size.cx > 0 && Size.cy > 0) {
+  if (Background && !Background->IsEmpty()) {
     SetSourceColor(FBrush->Color());
-    cairo_rectangle(FCairo, X, Y, Size.cx, Size.cy);
+    cairo_new_path(FCairo);
+    cairo_rectangle(FCairo, Safe(Background->Left), Safe(Background->Top),
+                    Safe(Background->Right) - Safe(Background->Left),
+                    Safe(Background->Bottom) - Safe(Background->Top));
     cairo_fill(FCairo);
   }
   SetSourceColor(FFont->Color());
-  cairo_move_to(FCairo, X, Y);
+  cairo_move_to(FCairo, Safe(X), Safe(Y));
   pango_cairo_show_layout(FCairo, FText->Layout);
   cairo_new_path(FCairo);
 }

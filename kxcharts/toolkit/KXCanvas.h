@@ -171,11 +171,12 @@ public:
     bool ExpandTabs = true;
     std::vector<int32_t> Underline; // byte offsets of single characters to underline
   };
-  // Lays Text out with Options and returns its logical size in pixels (rounded up).
-  TSize LayoutText(std::string_view Text, const TTextLayout& Options);
-  // Paints the text last laid out by LayoutText with its top left at (X, Y), unrotated,
-  // in the font colour. Unless the brush is clear, the box of Size is filled first.
-  void PaintLayout(int32_t X, int32_t Y, TSize Size);
+  // Lays Text out with Options and returns its logical size in pixels (rounded up); LogicalX,
+  // when given, receives where the text starts within a wrap width (after alignment).
+  TSize LayoutText(std::string_view Text, const TTextLayout& Options, int32_t* LogicalX = nullptr);
+  // Paints the text last laid out by LayoutText with its top left at (X, Y), unrotated, in
+  // the font colour, after filling Background (when given) with the brush colour.
+  void PaintLayout(int32_t X, int32_t Y, const TRect* Background = nullptr);
 
   // Clamps a coordinate into +-SafeCoord.
   static int32_t Safe(int32_t V) {
