@@ -3,6 +3,8 @@
 #include <string>
 
 #include "apps/gallery/KXGallery.h"
+#include "kxcharts/toolkit/KXCommonCharts.h"
+#include "kxcharts/toolkit/KXPathData.h"
 #include "kxcharts/toolkit/KXVclGraphics.h"
 
 namespace kx::gallery {
@@ -366,6 +368,46 @@ int32_t PaintCurves(TCanvas* C, int32_t Y) {
   return G.Bottom(5) + 10;
 }
 
+int32_t PaintSchemes(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Colour schemes (TKXColorScheme 1 to 11)");
+  const TGrid G{20, Y, 290, 50, 4};
+  for (int S = schDefault; S <= schAntique; ++S) {
+    const auto Scheme = static_cast<TKXColorScheme>(S);
+    const TColorList* List = GetSchemeColorList(Scheme);
+    const TRect B = G.Body(S - 1);
+    const int32_t W = B.Width() / 10;
+    C->Pen()->SetColor(clSilver);
+    for (int K = 0; K < 10; ++K) {
+      C->Brush()->SetColor((*List)[K]);
+      C->Rectangle(B.Left + K * W, B.Top, B.Left + (K + 1) * W - 2, B.Bottom);
+    }
+    Reset(C);
+    CaptionUnder(C, G, S - 1, std::to_string(S) + " " + GetEnumName(Scheme).substr(3));
+  }
+  return G.Bottom(11) + 10;
+}
+
+int32_t PaintGlyphs(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Legend glyphs (DefaultChartGlyphPaths, drawn by TKXPathData)");
+  const TGrid G{20, Y, 58, 64, 20};
+  TOwned<TKXPathData> Path = MakeOwned<TKXPathData>();
+  for (int T = 0; T < TEnumCount<TKXChartType>; ++T) {
+    const auto Type = static_cast<TKXChartType>(T);
+    const TRect B = G.Body(T);
+    const TRect Box{B.Left + (B.Width() - 32) / 2, B.Top, B.Left + (B.Width() - 32) / 2 + 32,
+                    B.Top + 32};
+    Path->SetPathString(DefaultChartGlyphPaths[T]);
+    Path->Scale(2, 2);
+    Path->Translate(Box.Left, Box.Top);
+    C->Brush()->SetColor(DefaultColorList[T % 10]);
+    Path->FillPath(C);
+    C->Pen()->SetColor(Ink);
+    Path->DrawPath(C);
+    CaptionUnder(C, G, T, GetEnumName(Type).substr(2));
+  }
+  return G.Bottom(TEnumCount<TKXChartType>) + 10;
+}
+
 void PaintToolkit(TCanvas* C, const TRect& Area) {
   Reset(C);
   C->Brush()->SetStyle(bsClear);
@@ -381,14 +423,18 @@ void PaintToolkit(TCanvas* C, const TRect& Area) {
   Y = PaintSlices(C, Y);
   Y = PaintText(C, Y);
   Y = PaintCurves(C, Y);
+  Y = PaintSchemes(C, Y);
+  Y = PaintGlyphs(C, Y);
   (void)Area;
 }
 
 } // namespace
 
 void AddToolkitSheets(std::vector<TGallerySheet>& Sheets) {
-  Sheets.push_back({"toolkit", "Toolkit: shape styles, arrows, gradients, slices, text and curves",
-                    1200, 1420, PaintToolkit});
+  Sheets.push_back(
+      {"toolkit",
+       "Toolkit: shape styles, arrows, gradients, slices, text, curves, colour schemes and glyphs",
+       1200, 1490, PaintToolkit});
 }
 
 } // namespace kx::gallery

@@ -706,13 +706,23 @@ void TCanvas::Polyline(std::span<const TPoint> Points) {
 
 void TCanvas::Polygon(std::span<const TPoint> Points) {
   if (Points.size() < 2 || !CanPaint()) return;
-  const double Off = EffectivePenWidth() % 2 == 1 ? 0.5 : 0.0;
-  cairo_new_path(FCairo);
-  cairo_move_to(FCairo, Safe(Points[0].X) + Off, Safe(Points[0].Y) + Off);
-  for (size_t I = 1; I < Points.size(); ++I)
-    cairo_line_to(FCairo, Safe(Points[I].X) + Off, Safe(Points[I].Y) + Off);
-  cairo_close_path(FCairo);
-  PaintPath(true, true);
+  auto Trace = [&](double Off) {
+    cairo_new_path(FCairo);
+    cairo_move_to(FCairo, Safe(Points[0].X) + Off, Safe(Points[0].Y) + Off);
+    for (size_t I = 1; I < Points.size(); ++I)
+      cairo_line_to(FCairo, Safe(Points[I].X) + Off, Safe(Points[I].Y) + Off);
+    cairo_close_path(FCairo);
+  };
+  // The fill runs on the points themselves, so that its edges are whole pixels; an odd pen
+  // runs through pixel centres like every line and covers the edge pixels on both sides.
+  Trace(0);
+  if (EffectivePenWidth() % 2 == 0) {
+    PaintPath(true, true);
+    return;
+  }
+  PaintPath(true, false);
+  Trace(0.5);
+  PaintPath(false, true);
 }
 
 void TCanvas::DrawFocusRect(const TRect& R) {

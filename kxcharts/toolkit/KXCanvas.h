@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "kxcharts/toolkit/KXGraphicObjects.h"
+#include "kxcharts/toolkit/KXGraphics.h"
 #include "kxcharts/toolkit/KXTypes.h"
 
 namespace kx {
@@ -39,8 +40,9 @@ class TCanvas : public TPersistent {
   KX_CLASS(TCanvas, TPersistent)
 
 public:
-  // Coordinates beyond this many pixels from the origin are moved to it.
-  static constexpr int32_t SafeCoord = 1 << 20;
+  // Coordinates beyond this many pixels from the origin are moved to it (the toolkit's one
+  // limit for what reaches Cairo).
+  static constexpr int32_t SafeCoord = static_cast<int32_t>(KXCanvasCoordLimit);
 
   TCanvas();
   ~TCanvas() override;
@@ -121,7 +123,8 @@ public:
   // A line from PenPos to (X, Y), without its end point; PenPos becomes (X, Y).
   void LineTo(int32_t X, int32_t Y);
   void Polyline(std::span<const TPoint> Points);
-  // Filled by the even-odd rule, outlined through all points, the first and last joined.
+  // Filled by the even-odd rule over the pixels whose centres lie inside, outlined through
+  // all points (the pen on pixel centres), the first and last joined.
   void Polygon(std::span<const TPoint> Points);
   // Inverts every other pixel of a one-pixel frame just inside R (an image surface only),
   // so that a second call erases it. The corners of R may come in any order.

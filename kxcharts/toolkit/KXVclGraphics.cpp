@@ -12,25 +12,11 @@ namespace {
 
 constexpr double Pi = std::numbers::pi;
 
-// Half away from zero, saturating; NaN gives 0.
-int32_t RoundPixel(double V) {
-  if (std::isnan(V)) return 0;
-  const double R = V < 0 ? -std::floor(-V + 0.5) : std::floor(V + 0.5);
-  return static_cast<int32_t>(
-      std::clamp(R, -double(TCanvas::SafeCoord), double(TCanvas::SafeCoord)));
-}
-
-int32_t DivPixel(int32_t A, int32_t B) {
-  return B == 0 ? 0 : static_cast<int32_t>(int64_t(A) / B);
-}
-
-double Clamp(double V) {
-  return std::clamp(V, -double(TCanvas::SafeCoord), double(TCanvas::SafeCoord));
-}
-
+// R with its corners in order and within the canvas's safe range.
 TRect Ordered(const TRect& R) {
-  return {TCanvas::Safe(std::min(R.Left, R.Right)), TCanvas::Safe(std::min(R.Top, R.Bottom)),
-          TCanvas::Safe(std::max(R.Left, R.Right)), TCanvas::Safe(std::max(R.Top, R.Bottom))};
+  const TRect F = FixRect(R);
+  return {TCanvas::Safe(F.Left), TCanvas::Safe(F.Top), TCanvas::Safe(F.Right),
+          TCanvas::Safe(F.Bottom)};
 }
 
 bool Visible(float Opacity) {
@@ -348,7 +334,7 @@ TRect InnerRect(const TRect& B, TKXShapeStyle Base, int32_t Pen, int32_t Rim) {
   TRect Inner{static_cast<int32_t>(std::ceil(L - 1e-9)), static_cast<int32_t>(std::ceil(T - 1e-9)),
               static_cast<int32_t>(std::floor(R + 1e-9)),
               static_cast<int32_t>(std::floor(Bo + 1e-9))};
-  const TPoint C{DivPixel(B.Left + B.Right, 2), DivPixel(B.Top + B.Bottom, 2)};
+  const TPoint C{CanvasDiv(B.Left + B.Right, 2), CanvasDiv(B.Top + B.Bottom, 2)};
   if (Inner.Right < Inner.Left) Inner.Left = Inner.Right = C.X;
   if (Inner.Bottom < Inner.Top) Inner.Top = Inner.Bottom = C.Y;
   return Inner;
@@ -358,8 +344,9 @@ TRect InnerRect(const TRect& B, TKXShapeStyle Base, int32_t Pen, int32_t Rim) {
 TRect FitPicture(const TRect& B, int32_t W, int32_t H) {
   if (W <= 0 || H <= 0) return B;
   const double S = std::min(double(B.Width()) / W, double(B.Height()) / H);
-  const int32_t DW = std::max(1, RoundPixel(W * S)), DH = std::max(1, RoundPixel(H * S));
-  const int32_t L = B.Left + DivPixel(B.Width() - DW, 2), T = B.Top + DivPixel(B.Height() - DH, 2);
+  const int32_t DW = std::max(1, CanvasRound(W * S)), DH = std::max(1, CanvasRound(H * S));
+  const int32_t L = B.Left + CanvasDiv(B.Width() - DW, 2),
+                T = B.Top + CanvasDiv(B.Height() - DH, 2);
   return {L, T, L + DW, T + DH};
 }
 
@@ -403,7 +390,7 @@ TRect DrawShape(TCanvas* Canvas, const TRect& R, TBitmap* Bitmap, TKXShapeStyle 
       Canvas->Ellipse(B);
       return Inner;
     case shpRoundRect:
-      Canvas->RoundRect(B, DivPixel(B.Width(), 5), DivPixel(B.Height(), 5));
+      Canvas->RoundRect(B, CanvasDiv(B.Width(), 5), CanvasDiv(B.Height(), 5));
       return Inner;
     default:
       AddOutline(Canvas->Handle(), Base, B, Pen);
@@ -485,12 +472,12 @@ TPoint LabelOrigin(const TLabelLayout& L, uint32_t Flags, const TRect& R) {
   TPoint P{R.Left, R.Top};
   if (!L.Wrapped) {
     if (Flags & DT_CENTER)
-      P.X = R.Left + DivPixel(R.Right - R.Left - L.Size.cx, 2);
+      P.X = R.Left + CanvasDiv(R.Right - R.Left - L.Size.cx, 2);
     else if (Flags & DT_RIGHT)
       P.X = R.Right - L.Size.cx;
   }
   if (Flags & DT_VCENTER)
-    P.Y = R.Top + DivPixel(R.Bottom - R.Top - L.Size.cy, 2);
+    P.Y = R.Top + CanvasDiv(R.Bottom - R.Top - L.Size.cy, 2);
   else if (Flags & DT_BOTTOM)
     P.Y = R.Bottom - L.Size.cy;
   return P;
@@ -554,8 +541,8 @@ TSize GetRotatedTextExtent(TCanvas* Canvas, int32_t Angle, std::string_view Text
     MinX = std::min(MinX, X), MaxX = std::max(MaxX, X);
     MinY = std::min(MinY, Y), MaxY = std::max(MaxY, Y);
   }
-  Offset = {RoundPixel(-MinX), RoundPixel(-MinY)};
-  return {RoundPixel(MaxX - MinX), RoundPixel(MaxY - MinY)};
+  Offset = {CanvasRound(-MinX), CanvasRound(-MinY)};
+  return {CanvasRound(MaxX - MinX), CanvasRound(MaxY - MinY)};
 }
 
 // --- Arrows ---
@@ -606,11 +593,11 @@ void DrawArrowText(TCanvas* Canvas, std::string_view Text, TPt Anchor, double Dx
   const TSize S = Canvas->TextExtent(Text);
   int32_t X, Y;
   if (std::abs(Dx) >= std::abs(Dy)) {
-    X = RoundPixel(Anchor.X - S.cx / 2.0);
-    Y = RoundPixel(Anchor.Y) - S.cy - 2;
+    X = CanvasRound(Anchor.X - S.cx / 2.0);
+    Y = CanvasRound(Anchor.Y) - S.cy - 2;
   } else {
-    X = RoundPixel(Anchor.X) + 4;
-    Y = RoundPixel(Anchor.Y - S.cy / 2.0);
+    X = CanvasRound(Anchor.X) + 4;
+    Y = CanvasRound(Anchor.Y - S.cy / 2.0);
   }
   Canvas->LayoutText(Text, TCanvas::TTextLayout{});
   Canvas->PaintLayout(X, Y, nullptr);
@@ -790,7 +777,7 @@ std::vector<TPoint> BezierPolygonPoints(std::span<const TPoint> Points, bool Bez
     if (!Points.empty()) Out.push_back({TCanvas::Safe(Points[0].X), TCanvas::Safe(Points[0].Y)});
     return Out;
   }
-  auto Exact = [](TPt P) { return TPoint{RoundPixel(P.X), RoundPixel(P.Y)}; };
+  auto Exact = [](TPt P) { return TPoint{CanvasRound(P.X), CanvasRound(P.Y)}; };
   Out.push_back(Exact(Pieces[0].P0));
   for (const TCubic& K : Pieces) {
     const TPoint From = Exact(K.P0), To = Exact(K.P3);
@@ -817,14 +804,21 @@ void DrawBezierPolygon(TCanvas* Canvas, std::span<const TPoint> Points, bool Bez
   if (Pieces.empty()) return;
   TOpacity Layer(Canvas, Opacity);
   cairo_t* Cr = Canvas->Handle();
-  const double Off = Canvas->EffectivePenWidth() % 2 == 1 ? 0.5 : 0.0;
-  cairo_new_path(Cr);
-  cairo_move_to(Cr, Pieces[0].P0.X + Off, Pieces[0].P0.Y + Off);
-  for (const TCubic& K : Pieces)
-    cairo_curve_to(Cr, K.C1.X + Off, K.C1.Y + Off, K.C2.X + Off, K.C2.Y + Off, K.P3.X + Off,
-                   K.P3.Y + Off);
-  if (Closed || Filled) cairo_close_path(Cr);
-  Canvas->PaintPath(Filled, true, true);
+  auto Trace = [&](double Off) {
+    cairo_new_path(Cr);
+    cairo_move_to(Cr, Pieces[0].P0.X + Off, Pieces[0].P0.Y + Off);
+    for (const TCubic& K : Pieces)
+      cairo_curve_to(Cr, K.C1.X + Off, K.C1.Y + Off, K.C2.X + Off, K.C2.Y + Off, K.P3.X + Off,
+                     K.P3.Y + Off);
+    if (Closed || Filled) cairo_close_path(Cr);
+  };
+  // As a polygon: the fill on the points, an odd pen through pixel centres.
+  if (Filled) {
+    Trace(0);
+    Canvas->PaintPath(true, false, true);
+  }
+  Trace(Canvas->EffectivePenWidth() % 2 == 1 ? 0.5 : 0.0);
+  Canvas->PaintPath(false, true, true);
 }
 
 // --- Slices ---
@@ -839,8 +833,8 @@ struct TEllipse {
 bool SliceEllipse(const TRect& R, double Radius, TEllipse& E) {
   const TRect B = Ordered(R);
   if (B.IsEmpty() || !(Radius > 0) || std::isinf(Radius)) return false;
-  E = {(B.Left + B.Right) / 2.0, (B.Top + B.Bottom) / 2.0, Clamp(Radius * B.Width() / 2.0),
-       Clamp(Radius * B.Height() / 2.0)};
+  E = {(B.Left + B.Right) / 2.0, (B.Top + B.Bottom) / 2.0,
+       ClampCanvasCoord(Radius * B.Width() / 2.0), ClampCanvasCoord(Radius * B.Height() / 2.0)};
   return E.Rx > 0 && E.Ry > 0;
 }
 

@@ -1,5 +1,7 @@
 #include "kxcharts/toolkit/KXVclGraphics.h"
 
+#include "kxcharts/toolkit/KXPathData.h"
+
 #include <climits>
 #include <cmath>
 #include <set>
@@ -390,6 +392,29 @@ TEST_F(Sheet, FilledClosedCurvesFillTheirInside) {
   DrawBezierPolygon(Line->Canvas(), Blob, true, false, false, 1, 1.0f);
   EXPECT_FALSE(Line->Canvas()->Pixel(60, 50) != clWhite) << "an open line fills nothing";
   EXPECT_GT(CountPainted(Line.get()), 50);
+}
+
+// --- Paths ---
+
+TEST_F(Sheet, PathsFillByTheEvenOddRuleAndStrokeLikeCanvasLines) {
+  TOwned<TKXPathData> Path = MakeOwned<TKXPathData>();
+  Path->SetPathString("M10,10 L90,10 L90,90 L10,90 Z M30,30 L70,30 L70,70 L30,70 Z");
+  C->Brush()->SetColor(clRed);
+  Path->FillPath(C);
+  EXPECT_EQ(C->Pixel(15, 50), clRed);
+  EXPECT_EQ(C->Pixel(50, 50), clWhite) << "the inner figure is a hole";
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{10, 10, 90, 90})) << "whole-pixel edges";
+  TOwned<TBitmap> B = MakeBitmap(60, 30);
+  Path->SetPathString("M5,10 L55,10");
+  Path->DrawPath(B->Canvas());
+  const auto Painted = PixelBytes(B.get());
+  EXPECT_EQ(PaintedBounds(B.get()).Top, 10);
+  EXPECT_EQ(PaintedBounds(B.get()).Bottom, 11) << "a level line is one crisp row";
+  EXPECT_EQ(B->Canvas()->Pixel(30, 10), clBlack);
+  Path->DrawPath(B->Canvas(), 0.0f);
+  Path->Clear();
+  Path->FillPath(B->Canvas());
+  EXPECT_EQ(PixelBytes(B.get()), Painted) << "no opacity, no path: nothing more";
 }
 
 // --- Slices ---
