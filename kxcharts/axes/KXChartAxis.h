@@ -156,6 +156,7 @@ public:
   void BeforeDestruction() override;
 
 protected:
+  using TKXChartGraphicArea::VisibleChanged;
   // Raises OnChange, then tells the charts (UpdateChartAxisInfo).
   void Changed() override;
   // The chart list's notice: a chart came or went.

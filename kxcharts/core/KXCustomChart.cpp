@@ -932,7 +932,7 @@ TRectF TKXCustomChart::PixelsToAxes(const TRect& ARect) const {
 
 void TKXCustomChart::Select(const TRect& SelectionRect, TKXChartSelectionAction Action) {
   if (!FOptions.Contains(coSelectable)) return;
-  FState = static_cast<TKXChartState>(stSelecting + Action);
+  FState = static_cast<TKXChartState>(static_cast<int>(stSelecting) + static_cast<int>(Action));
   TFinally Idle([this] { FState = stIdle; });
   InternalSelect(SelectionRect, Action);
 }

@@ -201,13 +201,17 @@ TEST(ChartValue, AddTakesAsManyNumbersAsTheCollectionHasDimensions) {
   EXPECT_EQ(V->Add()->GetValue(0), 3.0); // Add() numbers a value by the count before it
 }
 
+class TFourValues : public TKXChartValues {
+  KX_CLASS(TFourValues, TKXChartValues)
+
+public:
+  TFourValues(TKXCustomChart* O, TKXChartValueClass C) : TKXChartValues(O, C) {
+    FNumDimensions = 4;
+  }
+};
+
 TEST(ChartValue, ManyDimensionsLiveOnTheHeapAndSurviveAssign) {
-  class TFour : public TKXChartValues {
-    KX_CLASS(TFour, TKXChartValues)
-  public:
-    TFour(TKXCustomChart* O, TKXChartValueClass C) : TKXChartValues(O, C) { FNumDimensions = 4; }
-  };
-  TOwned<TFour> V(New<TFour>(nullptr, ClassOf<TKXChartValue>()));
+  TOwned<TFourValues> V(New<TFourValues>(nullptr, ClassOf<TKXChartValue>()));
   TKXChartValue* A = V->Add({1, 2, 3, 4});
   TLooseValues Small;
   TKXChartValue* B = Small->Add(9.0);
