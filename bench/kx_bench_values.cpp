@@ -39,8 +39,8 @@ protected:
   }
 };
 
-class TForm : public TComponent {
-  KX_CLASS(TForm, TComponent)
+class TBenchForm : public TComponent {
+  KX_CLASS(TBenchForm, TComponent)
 
 public:
   using TComponent::TComponent;
@@ -72,7 +72,7 @@ void RunAdds(benchmark::State& State, TAddKind Kind) {
   double BytesPerValue = 0;
   for (auto _ : State) {
     State.PauseTiming();
-    TOwned<TForm> Form(New<TForm>(nullptr));
+    TOwned<TBenchForm> Form(New<TBenchForm>(nullptr));
     auto* Chart = New<TXYBenchChart>(Form.get());
     TKXChartValues* Values = Chart->Values();
     if (Kind == TAddKind::SortedAscending) {
@@ -123,7 +123,7 @@ BENCHMARK(BM_AddWithLimit)->Arg(1000000)->Unit(benchmark::kMillisecond);
 // listener: listeners, panel, events, axes, the view range, and the panel's repaint mark.
 void BM_SetValueNotify(benchmark::State& State) {
   const auto N = static_cast<int32_t>(State.range(0));
-  TOwned<TForm> Form(New<TForm>(nullptr));
+  TOwned<TBenchForm> Form(New<TBenchForm>(nullptr));
   auto* Panel = New<TKXChartPanel>(Form.get());
   auto* Chart = New<TXYBenchChart>(Form.get());
   Chart->SetPanel(Panel);

@@ -284,9 +284,12 @@ TCollectionItemClass CheckedValueClass(TKXChartValueClass ValueClass) {
 TKXChartValues::TKXChartValues(TKXCustomChart* AOwner, TKXChartValueClass ValueClass)
     : TGCollection(AOwner, CheckedValueClass(ValueClass)), FChart(AOwner) {}
 
-TKXChartValues::~TKXChartValues() {
-  // No event for the values the destructor frees.
+TKXChartValues::~TKXChartValues() = default;
+
+void TKXChartValues::BeforeDestruction() {
+  // No event for the values that go with the collection.
   FOnNotify = nullptr;
+  inherited::BeforeDestruction();
 }
 
 // --- TKXChartValues: adding and counting ---

@@ -380,6 +380,8 @@ public:
   // From another TKXChartValues: its sort settings, limit, date dimensions and metadata,
   // then a copy of each value.
   void Assign(const TPersistent* Source) override;
+  // Frees the values without raising OnNotify for them.
+  void BeforeDestruction() override;
 
   // Called by the values: a number, the visibility or the selection of Value changed.
   // ValueChanged keeps the sort order (two comparisons when the value stays in place, a

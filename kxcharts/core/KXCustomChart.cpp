@@ -7,6 +7,7 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
 #include "kxcharts/toolkit/KXFormat.h"
+#include "kxcharts/toolkit/KXForms.h"
 #include "kxcharts/toolkit/KXGraphics.h"
 #include "kxcharts/toolkit/KXMath.h"
 #include "kxcharts/toolkit/KXObjectRect.h"
@@ -960,7 +961,7 @@ bool TKXCustomChart::IsSelectable(const TRect& SelectionRect) const {
 }
 
 void TKXCustomChart::MouseHover(const TRect& ARect) {
-  if (IsSelectable(ARect)) Screen()->SetCursor(Cursor());
+  if (IsSelectable(ARect)) Screen.SetCursor(Cursor());
 }
 
 // --- TKXChartList ---

@@ -98,6 +98,8 @@ protected:
     for (TKXCustomChart* C : {A, B})
       C->Listeners()->Clear();
     Panel->Listeners()->Clear();
+    // The panel's events write into the log, which goes before the form would.
+    Form.reset();
   }
   TTestChart* MakeChart(const std::string& Name) {
     auto* C = New<TTestChart>(Form.get());

@@ -198,7 +198,7 @@ TEST(ChartValue, AddTakesAsManyNumbersAsTheCollectionHasDimensions) {
   EXPECT_EQ(One->GetValue(0), 7.0);
   EXPECT_EQ(One->GetValue(1), 0.0);
   EXPECT_EQ(One->Value(), 0.0);          // the default dimension of these values is 1
-  EXPECT_EQ(V->Add()->GetValue(0), 3.0); // Add() numbers a value by the count before it
+  EXPECT_EQ(V->Add()->GetValue(0), 2.0); // Add() numbers a value by the count before it
 }
 
 class TFourValues : public TKXChartValues {
