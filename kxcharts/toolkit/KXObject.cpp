@@ -11,6 +11,8 @@ void TPersistent::Assign(const TPersistent* Source) {
   AssignError(nullptr);
 }
 
+void TPersistent::DefineProperties(TFiler&) {}
+
 void TPersistent::AssignTo(TPersistent* Dest) const {
   // Dest is the object being assigned to; the error speaks from its side.
   Dest->AssignError(this);

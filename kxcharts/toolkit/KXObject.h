@@ -90,12 +90,19 @@ public:
   // The classic destructor body; runs while the most derived object is still whole.
   virtual void BeforeDestruction() {}
 
-  // BeforeDestruction(), then delete. The memory is released even when
-  // BeforeDestruction() throws.
+  // BeginDestruction(), BeforeDestruction(), then delete. The memory is released even when
+  // one of them throws.
   void Free() {
     std::unique_ptr<TObject> Guard(this);
+    BeginDestruction();
     BeforeDestruction();
   }
+
+protected:
+  // Runs first in Free(), before any BeforeDestruction() body. A family root marks its
+  // objects as going here (components raise csDestroying, collection items leave their
+  // collection), so that every body, the most derived first, already sees them so.
+  virtual void BeginDestruction() {}
 };
 
 // Constructs, then runs AfterConstruction(); an object whose AfterConstruction() throws
@@ -105,7 +112,7 @@ template <class T, class... Args> T* New(Args&&... A) {
   try {
     P->AfterConstruction();
   } catch (...) {
-    P->BeforeDestruction();
+    P.release()->Free();
     throw;
   }
   return P.release();
@@ -176,6 +183,8 @@ public:
 
 namespace kx {
 
+class TFiler;
+
 class TPersistent : public TObject {
   KX_CLASS(TPersistent, TObject)
 
@@ -188,6 +197,11 @@ public:
 protected:
   // The other direction of Assign, for classes that know how to fill a foreign class.
   virtual void AssignTo(TPersistent* Dest) const;
+  // Declares the stored properties of this class to a reader or writer (KXStreaming.h).
+  // Overrides call the inherited one first, then declare their own in their stored
+  // order. The base declares none.
+  virtual void DefineProperties(TFiler& Filer);
+  friend class TFiler;
   // Raises "Cannot assign a <Source class, or nil> to a <this class>".
   [[noreturn]] void AssignError(const TPersistent* Source) const;
 };

@@ -1,0 +1,202 @@
+#include "kxcharts/toolkit/KXLists.h"
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace kx {
+namespace {
+
+std::vector<std::string> Heard;
+
+class TJournalList : public TComponentList {
+  KX_CLASS(TJournalList, TComponentList)
+public:
+  explicit TJournalList(bool Owns = false) : TComponentList(Owns) {}
+
+protected:
+  void Notify(void* Ptr, TListNotification Action) override {
+    // Before the inherited call: an owning list frees what it deletes there.
+    Heard.push_back(GetEnumName(Action) + " " + static_cast<TComponent*>(Ptr)->Name());
+    inherited::Notify(Ptr, Action);
+  }
+};
+
+TComponent* Named(const std::string& Name) {
+  auto* C = New<TComponent>(nullptr);
+  C->SetName(Name);
+  return C;
+}
+
+TEST(List, EveryChangeOfMembershipIsNotified) {
+  TOwned<TJournalList> L(New<TJournalList>());
+  TOwned<TComponent> A(Named("A")), B(Named("B")), C(Named("C"));
+  Heard.clear();
+  L->Add(A.get());
+  L->Insert(0, B.get());
+  L->TList::Add(nullptr); // nil entries are not told
+  L->SetItem(2, C.get());
+  L->Extract(B.get());
+  L->Remove(A.get());
+  L->Add(B.get());
+  L->Clear();
+  EXPECT_EQ(Heard,
+            (std::vector<std::string>{"lnAdded A", "lnAdded B", "lnAdded C", "lnExtracted B",
+                                      "lnDeleted A", "lnAdded B", "lnDeleted B", "lnDeleted C"}));
+}
+
+TEST(List, MovesExchangesAndPacksByIndex) {
+  TOwned<TList> L(New<TList>());
+  int V[4] = {0, 1, 2, 3};
+  for (int& X : V)
+    L->Add(&X);
+  L->Move(0, 3);
+  L->Exchange(0, 1);
+  EXPECT_EQ(L->Items(0), &V[2]);
+  EXPECT_EQ(L->Items(1), &V[1]);
+  EXPECT_EQ(L->Last(), &V[0]);
+  L->SetCount(6);
+  L->Pack();
+  EXPECT_EQ(L->Count(), 4);
+  L->Sort([](void* A, void* B) { return *static_cast<int*>(A) - *static_cast<int*>(B); });
+  EXPECT_EQ(L->First(), &V[0]);
+  EXPECT_THROW(L->Items(4), EListError);
+  EXPECT_THROW(L->Insert(5, nullptr), EListError);
+  EXPECT_THROW(L->SetCount(-1), EListError);
+}
+
+TEST(ComponentList, AComponentFreedWhileListedLeavesTheList) {
+  TOwned<TJournalList> L(New<TJournalList>());
+  auto* A = Named("A");
+  TOwned<TComponent> B(Named("B"));
+  L->Add(A);
+  L->Add(B.get());
+  L->Add(A); // twice
+  Heard.clear();
+  A->Free();
+  EXPECT_EQ(Heard, (std::vector<std::string>{"lnExtracted A", "lnExtracted A"}));
+  ASSERT_EQ(L->Count(), 1);
+  EXPECT_EQ(L->Items(0), B.get());
+}
+
+TEST(ComponentList, ADuplicateKeepsWatchingAfterOneEntryIsRemoved) {
+  TOwned<TJournalList> L(New<TJournalList>());
+  auto* A = Named("A");
+  L->Add(A);
+  L->Add(A);
+  L->Delete(0);
+  A->Free(); // still listed once: it must leave
+  EXPECT_EQ(L->Count(), 0);
+}
+
+TEST(ComponentList, AnOwningListFreesWhatItDeletes) {
+  TOwned<TJournalList> L(New<TJournalList>(true));
+  auto* Owner = Named("Owner");
+  auto* A = New<TComponent>(Owner);
+  New<TComponent>(Owner);
+  L->Add(A);
+  L->Delete(0); // A is freed and leaves its owner
+  EXPECT_EQ(Owner->ComponentCount(), 1);
+  L->Add(Owner->Components(0));
+  L->Add(Owner);
+  L.reset(); // frees Owner, whose child is then no longer listed: freed once
+}
+
+TEST(ComponentList, AListFreedFirstLeavesNoLinkInItsComponents) {
+  auto* L = New<TComponentList>(false);
+  TOwned<TComponent> A(Named("A"));
+  L->Add(A.get());
+  L->Free();
+  A.reset(); // would touch the freed list's watcher if a link were left
+  SUCCEED();
+}
+
+TEST(ThreadList, AddHonoursDuplicatesAndLockingKeepsConcurrentAddsWhole) {
+  TThreadList<int> L;
+  L.Add(1);
+  L.Add(1);
+  EXPECT_EQ(L.Count(), 1);
+  L.SetDuplicates(dupError);
+  EXPECT_THROW(L.Add(1), EListError);
+  L.SetDuplicates(dupAccept);
+  L.Add(1);
+  EXPECT_EQ(L.Count(), 2);
+  L.Clear();
+  std::vector<std::thread> Threads;
+  for (int T = 0; T < 4; ++T)
+    Threads.emplace_back([&L, T] {
+      for (int I = 0; I < 500; ++I)
+        L.Add(T * 1000 + I);
+    });
+  for (auto& T : Threads)
+    T.join();
+  EXPECT_EQ(L.Count(), 2000);
+  EXPECT_EQ(L.LockList()->size(), 2000u);
+}
+
+TEST(StringList, AddsFindsAndCarriesObjects) {
+  TOwned<TStringList> S(New<TStringList>());
+  TOwned<TComponent> Tag(Named("Tag"));
+  S->Add("alpha");
+  EXPECT_EQ(S->AddObject("Beta", Tag.get()), 1);
+  EXPECT_EQ(S->IndexOf("BETA"), 1); // ASCII case does not count by default
+  EXPECT_EQ(S->Objects(1), Tag.get());
+  EXPECT_EQ(S->IndexOfObject(Tag.get()), 1);
+  S->SetCaseSensitive(true);
+  EXPECT_EQ(S->IndexOf("BETA"), -1);
+  S->SetStrings(0, "gamma");
+  EXPECT_EQ(S->Text(), "gamma\nBeta\n");
+  S->SetText("one\r\ntwo\nthree");
+  EXPECT_EQ(S->Count(), 3);
+  EXPECT_EQ(S->Strings(2), "three");
+  S->Move(0, 2);
+  std::vector<std::string> All(S->begin(), S->end());
+  EXPECT_EQ(All, (std::vector<std::string>{"two", "three", "one"}));
+  EXPECT_THROW(S->Strings(3), EListError);
+}
+
+TEST(StringList, ASortedListKeepsOrderAndAppliesDuplicates) {
+  TOwned<TStringList> S(New<TStringList>());
+  S->Add("pear");
+  S->Add("Apple");
+  S->SetSorted(true);
+  S->Add("fig");
+  S->Add("FIG");
+  EXPECT_EQ(S->Text(), "Apple\nfig\npear\n");
+  EXPECT_THROW(S->Insert(0, "x"), EListError);
+  S->SetDuplicates(dupError);
+  EXPECT_THROW(S->Add("Pear"), EListError);
+  S->SetDuplicates(dupAccept);
+  S->Add("Pear");
+  EXPECT_EQ(S->Count(), 4);
+  int32_t At = -1;
+  EXPECT_FALSE(S->Find("grape", At));
+  EXPECT_EQ(At, 2);
+}
+
+TEST(StringList, BracketsTurnManyChangesIntoOneChangeEvent) {
+  TOwned<TStringList> S(New<TStringList>());
+  int Changes = 0, Changings = 0;
+  S->SetOnChange([&](TObject*) { ++Changes; });
+  S->SetOnChanging([&](TObject*) { ++Changings; });
+  S->Add("a");
+  EXPECT_EQ(Changes, 1);
+  S->BeginUpdate();
+  S->Add("b");
+  S->Add("c");
+  S->Delete(0);
+  S->EndUpdate();
+  EXPECT_EQ(Changes, 2);
+  EXPECT_EQ(Changings, 2);
+  EXPECT_THROW(S->EndUpdate(), Exception);
+
+  TOwned<TStringList> Copy(New<TStringList>());
+  Copy->Assign(S.get());
+  EXPECT_TRUE(Copy->Equals(S.get()));
+  EXPECT_THROW(Copy->Assign(nullptr), EConvertError);
+}
+
+} // namespace
+} // namespace kx
