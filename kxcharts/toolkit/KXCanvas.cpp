@@ -886,12 +886,12 @@ void TCanvas::TextRect(const TRect& R, int32_t X, int32_t Y, std::string_view Te
 
 // --- Graphics ---
 
-void TCanvas::Draw(int32_t X, int32_t Y, TGraphic* Graphic, float Opacity) {
+void TCanvas::Draw(int32_t X, int32_t Y, const TGraphic* Graphic, float Opacity) {
   if (!Graphic) return;
   StretchDraw({X, Y, SatAdd(X, Graphic->Width()), SatAdd(Y, Graphic->Height())}, Graphic, Opacity);
 }
 
-void TCanvas::StretchDraw(const TRect& R, TGraphic* Graphic, float Opacity) {
+void TCanvas::StretchDraw(const TRect& R, const TGraphic* Graphic, float Opacity) {
   const TRect B{Safe(R.Left), Safe(R.Top), Safe(R.Right), Safe(R.Bottom)};
   if (!Graphic || Graphic->Empty() || B.IsEmpty() || !CanPaint()) return;
   if (std::isnan(Opacity) || Opacity <= 0) return;

@@ -147,8 +147,8 @@ public:
 
   // --- Graphics ---
 
-  void Draw(int32_t X, int32_t Y, TGraphic* Graphic, float Opacity = 1.0f);
-  void StretchDraw(const TRect& R, TGraphic* Graphic, float Opacity = 1.0f);
+  void Draw(int32_t X, int32_t Y, const TGraphic* Graphic, float Opacity = 1.0f);
+  void StretchDraw(const TRect& R, const TGraphic* Graphic, float Opacity = 1.0f);
 
   // --- Paths, for drawing helpers ---
 

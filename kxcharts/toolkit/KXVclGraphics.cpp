@@ -375,8 +375,8 @@ TRect ShapeInnerRect(const TRect& R, TKXShapeStyle Style, int32_t PenWidth, int3
   return InnerRect(B, Base, std::max(0, PenWidth), Lit ? RimWidth(B, BevelWidth) : 0);
 }
 
-TRect DrawShape(TCanvas* Canvas, const TRect& R, TBitmap* Bitmap, TKXShapeStyle Style, bool Raised,
-                TColor Highlight, TColor Shadow, int32_t BevelWidth, float Opacity) {
+TRect DrawShape(TCanvas* Canvas, const TRect& R, const TBitmap* Bitmap, TKXShapeStyle Style,
+                bool Raised, TColor Highlight, TColor Shadow, int32_t BevelWidth, float Opacity) {
   bool Lit;
   TKXShapeStyle Base = BaseStyle(Style, Lit);
   const TRect B = Ordered(R);
@@ -423,6 +423,19 @@ TRect DrawShape(TCanvas* Canvas, const TRect& R, TBitmap* Bitmap, TKXShapeStyle 
   AddOutline(Cr, Base, B, Pen);
   Canvas->PaintPath(false, true, false);
   return Inner;
+}
+
+TRect DrawShape(TCanvas* Canvas, const TRect& R, const TImageList* Images, int32_t ImageIndex,
+                TKXShapeStyle Style, TKXShapeStyle DefaultStyle, bool Raised, TColor Highlight,
+                TColor Shadow, int32_t BevelWidth) {
+  bool Lit;
+  if (BaseStyle(Style, Lit) == shpImage) {
+    if (const TBitmap* Image = Images ? Images->Image(ImageIndex) : nullptr)
+      return DrawShape(Canvas, R, Image, Style, Raised, Highlight, Shadow, BevelWidth, 1.0f);
+    Style = DefaultStyle;
+  }
+  return DrawShape(Canvas, R, static_cast<const TBitmap*>(nullptr), Style, Raised, Highlight,
+                   Shadow, BevelWidth, 1.0f);
 }
 
 // --- Text ---
