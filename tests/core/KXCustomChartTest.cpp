@@ -533,6 +533,95 @@ TEST(CustomChart, FormWithPanelAndChartsRoundTripsThroughJson) {
   EXPECT_EQ(SaveFormToString(Copy.get()), Json);
 }
 
+// --- Copies, captions, glyphs, painting alone ---
+
+TEST_F(ChartInPanel, CloneCopiesSettingsAndValuesIntoTheSameClass) {
+  TTestChart* A = AddChart("A", {1, 2, 3});
+  A->SetCaption("Sales");
+  A->SetVertAxis(vaRight);
+  A->SetGroup(2);
+  A->SetGroupStyle(gsStacked);
+  A->SetValueLabelStyle(ltsPercent);
+  A->Pen()->SetWidth(3);
+  TKXCustomChart* B = A->Clone();
+  EXPECT_EQ(B->ClassType(), A->ClassType());
+  EXPECT_EQ(B->Owner(), Form.get());
+  EXPECT_EQ(B->Caption(), "Sales");
+  EXPECT_EQ(B->VertAxis(), vaRight);
+  EXPECT_EQ(B->Group(), 2);
+  EXPECT_EQ(B->GroupStyle(), gsStacked);
+  EXPECT_EQ(B->ValueLabelStyle(), ltsPercent);
+  EXPECT_EQ(B->Pen()->Width(), 3);
+  EXPECT_EQ(test::NumbersOf(B->Values(), 1), (std::vector<double>{1, 2, 3}));
+  EXPECT_EQ(B->Panel(), nullptr); // the panel is not a setting: it is where a chart lives
+  EXPECT_THROW(B->Assign(Panel), EConvertError);
+}
+
+TEST(CustomChart, AxisCaptionsWalkDownToTheValueAtOrBelowThePosition) {
+  TOwned<TTestForm> Form(New<TTestForm>(nullptr));
+  auto* C = New<TTestChart>(Form.get());
+  C->Values()->Add({0, 5}, "a");
+  C->Values()->Add({10, 5}, "b");
+  C->Values()->Add({20, 5}, "c");
+  TKXChartAxis* Bottom = C->HorizontalAxis();
+  int32_t Index = 2;
+  EXPECT_EQ(C->GetAxisCaption(Bottom, Index, 15.0), "b");
+  EXPECT_EQ(Index, 1);
+  Index = 7;
+  EXPECT_EQ(C->GetAxisCaption(Bottom, Index, 15.0), "");
+  EXPECT_TRUE(C->WantsCaptions(Bottom));
+  EXPECT_FALSE(C->WantsCaptions(C->VerticalAxis()));
+}
+
+TEST(CustomChart, GlyphsPaintInTheChartsColourAndLeaveTheCanvasAsItWas) {
+  TOwned<TTestForm> Form(New<TTestForm>(nullptr));
+  auto* C = New<TKXChart>(Form.get());
+  C->SetColor(clRed);
+  auto Bmp = MakeOwned<TBitmap>();
+  Bmp->SetSize(40, 40);
+  TCanvas* Canvas = Bmp->Canvas();
+  Canvas->Brush()->SetColor(clWhite);
+  Canvas->FillRect({0, 0, 40, 40});
+  Canvas->Pen()->SetWidth(4);
+  C->DrawGlyph(Canvas, TRect{0, 0, 40, 40});
+  int Red = 0;
+  for (int Y = 0; Y < 40; ++Y)
+    for (int X = 0; X < 40; ++X)
+      Red += Canvas->Pixel(X, Y) == clRed;
+  EXPECT_GT(Red, 100);
+  EXPECT_EQ(Canvas->Brush()->Color(), clWhite);
+  EXPECT_EQ(Canvas->Pen()->Width(), 4);
+  TKXChartValue* V = C->Values()->Add(1);
+  V->SetColor(clBlue);
+  C->DrawGlyph(Canvas, V, TRect{5, 5, 15, 15});
+  EXPECT_EQ(Canvas->Pixel(10, 10), clBlue);
+  EXPECT_EQ(Canvas->Brush()->Color(), clWhite);
+}
+
+TEST(CustomChart, AChartAlonePaintsItselfOnFreshAxes) {
+  TOwned<TTestForm> Form(New<TTestForm>(nullptr));
+  auto* Host = New<TPanel>(Form.get());
+  Host->SetBounds(0, 0, 200, 150);
+  auto* C = New<TTestChart>(Form.get());
+  C->SetParent(Host);
+  C->Values()->Add({2, 8});
+  C->Values()->Add({4, 3});
+  TRect Drawn;
+  C->SetOnDraw([&](TObject*, TCanvas*, const TRect& R) { Drawn = R; });
+  ASSERT_TRUE(C->VerticalAxis()->NeedAxisUpdate());
+  C->Paint();
+  EXPECT_EQ(Drawn, (TRect{0, 0, 100, 75}));
+  EXPECT_FALSE(C->VerticalAxis()->NeedAxisUpdate());
+  EXPECT_EQ(C->VerticalAxis()->Minimum(), 3.0);
+  EXPECT_EQ(C->VerticalAxis()->Maximum(), 8.0);
+  EXPECT_EQ(C->HorizontalAxis()->Maximum(), 4.0);
+  EXPECT_TRUE(C->CMHitTest(10, 10));
+  C->SetVisible(false);
+  Drawn = {};
+  C->Paint();
+  EXPECT_EQ(Drawn, TRect{});
+}
+
 // --- Registry ---
 
 TEST(ChartRegistry, AnswersClassesByKind) {
