@@ -3,12 +3,10 @@
 // back, through the stored properties that each class declares once.
 //
 // How a new class registers its stored properties, in three lines:
-//   1. In the class: `void DefineProperties(TFiler& Filer) override;` (protected).
-//   2. In its .cpp: `inherited::DefineProperties(Filer);` then one line per stored
-//      property, in stored order: `Filer.Property("Limit", this, &TFoo::Limit, &TFoo::SetLimit,
-//      0);`
-//   3. A component class the reader makes by name is registered at module start-up:
-//      `RegisterClasses({ClassOf<TFoo>()});`.
+//   1. Declare `void DefineProperties(TFiler& Filer) override;` (protected) in the class.
+//   2. Define it: `inherited::DefineProperties(Filer);` then one line per property, in order:
+//      `Filer.Property("Limit", this, &TFoo::Limit, &TFoo::SetLimit, 0);` (0 is the default).
+//   3. A component the reader makes by name: `RegisterClasses({ClassOf<TFoo>()});` at start-up.
 //
 // The type of the getter says how a property is stored: bool, integers, double, float,
 // std::string, TColor (by name or hex), enumerations with KX_ENUM_NAMES (by member name),
