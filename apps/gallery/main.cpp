@@ -1,23 +1,20 @@
-// The gallery: renders every sheet the library can show and writes an index.html that
-// links them. Usage: kx_gallery OUTDIR
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
+// The gallery: renders every sheet the library can show as PNG and SVG and writes an
+// index.html that shows them. Usage: kx_gallery OUTDIR
 #include <iostream>
+
+#include "apps/gallery/KXGallery.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {
     std::cerr << "usage: kx_gallery OUTDIR\n";
     return 2;
   }
-  const std::filesystem::path Out = argv[1];
-  std::filesystem::create_directories(Out);
-  std::ofstream Index(Out / "index.html");
-  Index << "<!doctype html>\n<html><head><meta charset=\"utf-8\"><title>KX Charts gallery</title>"
-           "</head>\n<body>\n<h1>KX Charts gallery</h1>\n<p>Nothing to show yet.</p>\n"
-           "</body></html>\n";
-  if (!Index) {
-    std::cerr << "kx_gallery: cannot write " << (Out / "index.html") << "\n";
+  std::vector<kx::gallery::TGallerySheet> Sheets;
+  kx::gallery::AddToolkitSheets(Sheets);
+  try {
+    kx::gallery::WriteGallery(Sheets, argv[1]);
+  } catch (const std::exception& E) {
+    std::cerr << "kx_gallery: " << E.what() << "\n";
     return 1;
   }
   return 0;

@@ -39,6 +39,8 @@
 
 namespace kx {
 
+class TCanvas;
+
 struct TKXPathPoint {
   double X = 0;
   double Y = 0;
@@ -174,6 +176,13 @@ public:
   // curve (DefaultTolerance for a tolerance that is not positive). A figure of a single
   // point gives no polygon; a curve gives at most 256 lines.
   std::vector<TKXPathPolygon> Flatten(double Tolerance = DefaultTolerance) const;
+
+  // --- Painting (KXPathDataCanvas.cpp) ---
+  // Fills the path with the canvas's brush by the even-odd rule, or strokes it with the
+  // canvas's pen (an odd pen on pixel centres, so that level and upright lines are crisp),
+  // composited with Opacity.
+  void FillPath(TCanvas* Canvas, float Opacity = 1.0f) const;
+  void DrawPath(TCanvas* Canvas, float Opacity = 1.0f) const;
 
   // From another TKXPathData: takes its figures and its text; one change when they differ.
   void Assign(const TPersistent* Source) override;

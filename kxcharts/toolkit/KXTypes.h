@@ -189,6 +189,13 @@ constexpr uint8_t GetBValue(TColor C) {
   return (static_cast<uint32_t>(C) >> 16) & 0xFF;
 }
 
+// A width and a height in whole pixels (text extents, bitmap sizes).
+struct TSize {
+  int32_t cx = 0;
+  int32_t cy = 0;
+  friend constexpr bool operator==(const TSize&, const TSize&) = default;
+};
+
 struct TPoint {
   int32_t X = 0;
   int32_t Y = 0;

@@ -1,0 +1,74 @@
+#include "apps/gallery/KXGallery.h"
+
+#include <fstream>
+
+#include "kxcharts/toolkit/KXBitmap.h"
+
+namespace kx::gallery {
+
+namespace {
+
+std::string Escaped(const std::string& Text) {
+  std::string Out;
+  for (char C : Text) {
+    switch (C) {
+    case '&':
+      Out += "&amp;";
+      break;
+    case '<':
+      Out += "&lt;";
+      break;
+    case '>':
+      Out += "&gt;";
+      break;
+    case '"':
+      Out += "&quot;";
+      break;
+    default:
+      Out += C;
+    }
+  }
+  return Out;
+}
+
+void PaintSheet(const TGallerySheet& Sheet, TCanvas* Canvas) {
+  const TRect Area{0, 0, Sheet.Width, Sheet.Height};
+  Canvas->Brush()->SetColor(clWhite);
+  Canvas->FillRect(Area);
+  Sheet.Paint(Canvas, Area);
+}
+
+} // namespace
+
+void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder) {
+  std::filesystem::create_directories(Folder);
+  for (const TGallerySheet& Sheet : Sheets) {
+    TOwned<TBitmap> Png = MakeOwned<TBitmap>();
+    Png->SetSize(Sheet.Width, Sheet.Height);
+    PaintSheet(Sheet, Png->Canvas());
+    Png->SaveToFile((Folder / (Sheet.FileName + ".png")).string());
+    TOwned<TCanvas> Svg =
+        CreateSvgCanvas((Folder / (Sheet.FileName + ".svg")).string(), Sheet.Width, Sheet.Height);
+    PaintSheet(Sheet, Svg.get());
+    Svg->Finish();
+  }
+  const std::filesystem::path IndexPath = Folder / "index.html";
+  std::ofstream Index(IndexPath);
+  Index << "<!doctype html>\n<html><head><meta charset=\"utf-8\"><title>KX Charts gallery</title>\n"
+           "<style>body{font-family:sans-serif;margin:2em;background:#f4f4f4}"
+           "figure{background:#fff;padding:1em;margin:0 0 2em 0;display:inline-block;"
+           "box-shadow:0 1px 4px #0002}figcaption{margin-top:.5em;color:#333}"
+           "img{max-width:100%}</style></head>\n<body>\n<h1>KX Charts gallery</h1>\n";
+  for (const TGallerySheet& Sheet : Sheets) {
+    const std::string Name = Escaped(Sheet.FileName);
+    Index << "<figure><a href=\"" << Name << ".svg\"><img src=\"" << Name << ".png\" width=\""
+          << Sheet.Width << "\" height=\"" << Sheet.Height << "\" alt=\"" << Escaped(Sheet.Caption)
+          << "\"></a><figcaption>" << Escaped(Sheet.Caption) << " (<a href=\"" << Name
+          << ".png\">PNG</a>, <a href=\"" << Name << ".svg\">SVG</a>)</figcaption></figure>\n";
+  }
+  Index << "</body></html>\n";
+  Index.close();
+  if (!Index) throw Exception("Cannot write the file \"" + IndexPath.string() + "\"");
+}
+
+} // namespace kx::gallery

@@ -1,0 +1,29 @@
+#pragma once
+// The gallery's sheets: each one a picture with a file name, a caption, a size and a function
+// that paints it on a canvas. The same function paints the PNG and the SVG.
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "kxcharts/toolkit/KXCanvas.h"
+
+namespace kx::gallery {
+
+struct TGallerySheet {
+  std::string FileName; // without extension
+  std::string Caption;
+  int32_t Width = 800;
+  int32_t Height = 600;
+  std::function<void(TCanvas* Canvas, const TRect& Area)> Paint;
+};
+
+// Writes every sheet as FileName.png and FileName.svg into Folder, and an index.html that
+// shows them with their captions. Raises an Exception naming the file that cannot be written.
+void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder);
+
+// The sheets of each area of the library, added in the order the index shows them.
+void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
+
+} // namespace kx::gallery

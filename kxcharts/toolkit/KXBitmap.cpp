@@ -1,0 +1,352 @@
+#include "kxcharts/toolkit/KXBitmap.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace kx {
+
+namespace {
+
+// Pictures larger than this many pixels are refused before any memory is asked for: a
+// hostile header must not make the reader allocate gigabytes.
+constexpr int64_t MaxPixels = int64_t(1) << 28;
+
+std::string Quoted(const std::string& FileName) {
+  return "\"" + FileName + "\"";
+}
+
+// Width and height from the header of a PNG; false when Data does not start like one.
+bool PngHeaderSize(std::span<const uint8_t> Data, int64_t& W, int64_t& H) {
+  static const uint8_t Signature[8] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  if (Data.size() < 24 || std::memcmp(Data.data(), Signature, 8) != 0 ||
+      std::memcmp(Data.data() + 12, "IHDR", 4) != 0)
+    return false;
+  auto Be32 = [&](size_t At) {
+    return (int64_t(Data[At]) << 24) | (int64_t(Data[At + 1]) << 16) |
+           (int64_t(Data[At + 2]) << 8) | int64_t(Data[At + 3]);
+  };
+  W = Be32(16);
+  H = Be32(20);
+  return true;
+}
+
+// Checks what can be checked before Cairo reads the data; Where names the source in messages.
+void CheckPng(std::span<const uint8_t> Data, const std::string& Where) {
+  int64_t W = 0, H = 0;
+  if (!PngHeaderSize(Data, W, H)) throw EInvalidGraphic(Where + " is not a PNG image");
+  if (W <= 0 || H <= 0 || W > TBitmap::MaxExtent || H > TBitmap::MaxExtent || W * H > MaxPixels)
+    throw EInvalidGraphic(Where + " holds an image of " + std::to_string(W) + " x " +
+                          std::to_string(H) + " pixels, which is not supported");
+}
+
+struct TReadCursor {
+  std::span<const uint8_t> Data;
+  size_t At = 0;
+};
+
+cairo_status_t ReadChunk(void* Closure, unsigned char* Out, unsigned int Length) {
+  auto* C = static_cast<TReadCursor*>(Closure);
+  if (C->Data.size() - C->At < Length) return CAIRO_STATUS_READ_ERROR;
+  std::memcpy(Out, C->Data.data() + C->At, Length);
+  C->At += Length;
+  return CAIRO_STATUS_SUCCESS;
+}
+
+cairo_status_t WriteChunk(void* Closure, const unsigned char* Data, unsigned int Length) {
+  static_cast<std::vector<uint8_t>*>(Closure)->insert(
+      static_cast<std::vector<uint8_t>*>(Closure)->end(), Data, Data + Length);
+  return CAIRO_STATUS_SUCCESS;
+}
+
+cairo_surface_t* DecodePng(std::span<const uint8_t> Data, const std::string& Where) {
+  CheckPng(Data, Where);
+  TReadCursor Cursor{Data};
+  cairo_surface_t* S = cairo_image_surface_create_from_png_stream(ReadChunk, &Cursor);
+  const cairo_status_t Status = cairo_surface_status(S);
+  if (Status != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(S);
+    throw EInvalidGraphic(Where +
+                          " cannot be read as a PNG image: " + cairo_status_to_string(Status));
+  }
+  return S;
+}
+
+std::vector<uint8_t> ReadFile(const std::string& FileName) {
+  std::error_code Ignored;
+  if (std::filesystem::is_directory(FileName, Ignored))
+    throw EInvalidGraphic("Cannot open the file " + Quoted(FileName) + ": it is a folder");
+  std::ifstream In(FileName, std::ios::binary);
+  if (!In) throw EInvalidGraphic("Cannot open the file " + Quoted(FileName));
+  std::vector<uint8_t> Bytes;
+  char Buffer[65536];
+  while (In.read(Buffer, sizeof Buffer) || In.gcount() > 0) {
+    Bytes.insert(Bytes.end(), Buffer, Buffer + In.gcount());
+    if (Bytes.size() > size_t(MaxPixels) * 4)
+      throw EInvalidGraphic("The file " + Quoted(FileName) + " is too large for an image");
+  }
+  return Bytes;
+}
+
+void WriteFile(const std::string& FileName, const std::vector<uint8_t>& Bytes) {
+  std::ofstream Out(FileName, std::ios::binary | std::ios::trunc);
+  if (Out) Out.write(reinterpret_cast<const char*>(Bytes.data()), std::streamsize(Bytes.size()));
+  if (!Out || (Out.close(), !Out))
+    throw EInvalidGraphic("Cannot write the file " + Quoted(FileName));
+}
+
+cairo_surface_t* NewImage(int32_t W, int32_t H) {
+  cairo_surface_t* S = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, W, H);
+  if (cairo_surface_status(S) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(S);
+    throw EInvalidGraphic("Cannot make a bitmap of " + std::to_string(W) + " x " +
+                          std::to_string(H) + " pixels");
+  }
+  return S;
+}
+
+} // namespace
+
+// --- TGraphic ---
+
+void TGraphic::SetTransparent(bool Value) {
+  if (Value == FTransparent) return;
+  FTransparent = Value;
+  Changed();
+}
+
+void TGraphic::Changed() {
+  if (FOnChange) FOnChange(this);
+}
+
+// --- TBitmap ---
+
+TBitmap::TBitmap() : FCanvas(MakeOwned<TCanvas>()) {
+  FSurface = NewImage(0, 0);
+  FCanvas->Bind(FSurface);
+}
+
+TBitmap::~TBitmap() {
+  FCanvas.reset();
+  if (FSurface) cairo_surface_destroy(FSurface);
+}
+
+void TBitmap::Adopt(cairo_surface_t* Surface) {
+  if (cairo_image_surface_get_format(Surface) != CAIRO_FORMAT_ARGB32) {
+    cairo_surface_t* Converted =
+        NewImage(cairo_image_surface_get_width(Surface), cairo_image_surface_get_height(Surface));
+    cairo_t* Cr = cairo_create(Converted);
+    cairo_set_source_surface(Cr, Surface, 0, 0);
+    cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(Cr);
+    cairo_destroy(Cr);
+    cairo_surface_destroy(Surface);
+    Surface = Converted;
+  }
+  cairo_surface_t* Old = FSurface;
+  FSurface = Surface;
+  FWidth = cairo_image_surface_get_width(Surface);
+  FHeight = cairo_image_surface_get_height(Surface);
+  FCanvas->Bind(FSurface);
+  if (Old) cairo_surface_destroy(Old);
+}
+
+void TBitmap::SetSize(int32_t NewWidth, int32_t NewHeight) {
+  NewWidth = std::clamp(NewWidth, 0, MaxExtent);
+  NewHeight = std::clamp(NewHeight, 0, MaxExtent);
+  if (NewWidth == FWidth && NewHeight == FHeight) return;
+  if (int64_t(NewWidth) * NewHeight > MaxPixels)
+    throw EInvalidGraphic("Cannot make a bitmap of " + std::to_string(NewWidth) + " x " +
+                          std::to_string(NewHeight) + " pixels");
+  cairo_surface_t* S = NewImage(NewWidth, NewHeight);
+  cairo_t* Cr = cairo_create(S);
+  cairo_set_source_rgb(Cr, 1, 1, 1);
+  cairo_paint(Cr);
+  if (FWidth > 0 && FHeight > 0) {
+    cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_surface(Cr, FSurface, 0, 0);
+    cairo_rectangle(Cr, 0, 0, FWidth, FHeight);
+    cairo_fill(Cr);
+  }
+  cairo_destroy(Cr);
+  Adopt(S);
+  Changed();
+}
+
+void TBitmap::SetTransparentColor(TColor Value) {
+  if (Value == FTransparentColor) return;
+  FTransparentColor = Value;
+  Changed();
+}
+
+void TBitmap::LoadFromFile(const std::string& FileName) {
+  const std::vector<uint8_t> Bytes = ReadFile(FileName);
+  Adopt(DecodePng(Bytes, "The file " + Quoted(FileName)));
+  Changed();
+}
+
+void TBitmap::LoadFromBytes(std::span<const uint8_t> Data) {
+  Adopt(DecodePng(Data, "The image data"));
+  Changed();
+}
+
+std::vector<uint8_t> TBitmap::SaveToBytes() const {
+  if (Empty()) throw EInvalidGraphic("An empty bitmap cannot be written as a PNG image");
+  std::vector<uint8_t> Bytes;
+  cairo_surface_flush(FSurface);
+  const cairo_status_t Status = cairo_surface_write_to_png_stream(FSurface, WriteChunk, &Bytes);
+  if (Status != CAIRO_STATUS_SUCCESS)
+    throw EInvalidGraphic(std::string("Cannot encode the bitmap as PNG: ") +
+                          cairo_status_to_string(Status));
+  return Bytes;
+}
+
+void TBitmap::SaveToFile(const std::string& FileName) const {
+  if (Empty())
+    throw EInvalidGraphic("An empty bitmap cannot be written to the file " + Quoted(FileName));
+  WriteFile(FileName, SaveToBytes());
+}
+
+void TBitmap::Assign(const TPersistent* Source) {
+  if (Source == this) return;
+  if (auto* B = dynamic_cast<const TBitmap*>(Source)) {
+    cairo_surface_t* S = NewImage(B->FWidth, B->FHeight);
+    cairo_t* Cr = cairo_create(S);
+    cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_surface(Cr, B->FSurface, 0, 0);
+    cairo_paint(Cr);
+    cairo_destroy(Cr);
+    Adopt(S);
+    FTransparentColor = B->FTransparentColor;
+    if (Transparent() != B->Transparent())
+      SetTransparent(B->Transparent()); // raises the change
+    else
+      Changed();
+    return;
+  }
+  inherited::Assign(Source);
+}
+
+void TBitmap::Draw(TCanvas* Canvas, const TRect& R, float Opacity) {
+  cairo_t* Cr = Canvas->Handle();
+  cairo_surface_t* Source = FSurface;
+  if (Transparent()) {
+    // A copy with the transparent colour taken out.
+    const TColor Key = ColorToRGB(FTransparentColor == clDefault ? FCanvas->Pixel(0, FHeight - 1)
+                                                                 : FTransparentColor);
+    const uint32_t KeyPixel = 0xFF000000u | (uint32_t(GetRValue(Key)) << 16) |
+                              (uint32_t(GetGValue(Key)) << 8) | GetBValue(Key);
+    Source = NewImage(FWidth, FHeight);
+    cairo_surface_flush(FSurface);
+    const auto* From = cairo_image_surface_get_data(FSurface);
+    auto* To = cairo_image_surface_get_data(Source);
+    const int Stride = cairo_image_surface_get_stride(FSurface);
+    for (int32_t Y = 0; Y < FHeight; ++Y) {
+      const auto* In = reinterpret_cast<const uint32_t*>(From + Y * Stride);
+      auto* Out = reinterpret_cast<uint32_t*>(To + Y * cairo_image_surface_get_stride(Source));
+      for (int32_t X = 0; X < FWidth; ++X)
+        Out[X] = In[X] == KeyPixel ? 0 : In[X];
+    }
+    cairo_surface_mark_dirty(Source);
+  }
+  const double Sx = double(R.Width()) / FWidth, Sy = double(R.Height()) / FHeight;
+  cairo_save(Cr);
+  cairo_new_path(Cr);
+  cairo_rectangle(Cr, R.Left, R.Top, R.Width(), R.Height());
+  cairo_clip(Cr);
+  cairo_translate(Cr, R.Left, R.Top);
+  cairo_scale(Cr, Sx, Sy);
+  cairo_set_source_surface(Cr, Source, 0, 0);
+  cairo_pattern_t* Pattern = cairo_get_source(Cr);
+  // Whole-pixel copies stay sharp; scaled ones are filtered and keep their edges.
+  cairo_pattern_set_filter(Pattern,
+                           Sx == 1.0 && Sy == 1.0 ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_GOOD);
+  cairo_pattern_set_extend(Pattern, CAIRO_EXTEND_PAD);
+  if (Opacity >= 1.0f)
+    cairo_paint(Cr);
+  else
+    cairo_paint_with_alpha(Cr, Opacity);
+  cairo_restore(Cr);
+  if (Source != FSurface) cairo_surface_destroy(Source);
+}
+
+// --- TPicture ---
+
+TPicture::TPicture() = default;
+TPicture::~TPicture() = default;
+
+void TPicture::Changed() {
+  if (FOnChange) FOnChange(this);
+}
+
+void TPicture::Hold(TOwned<TGraphic> Graphic) {
+  FGraphic = std::move(Graphic);
+  if (FGraphic) FGraphic->SetOnChange([this](TObject*) { Changed(); });
+  Changed();
+}
+
+void TPicture::SetGraphic(const TGraphic* Value) {
+  if (Value == FGraphic.get() && Value) return;
+  if (!Value) {
+    if (FGraphic) Hold(nullptr);
+    return;
+  }
+  auto* Meta = dynamic_cast<const TObjectMeta*>(Value->ClassType());
+  TOwned<TGraphic> Copy(Meta ? dynamic_cast<TGraphic*>(Meta->Create()) : nullptr);
+  if (!Copy) throw EInvalidGraphic("Cannot copy a " + Value->ClassName());
+  Copy->Assign(Value);
+  Hold(std::move(Copy));
+}
+
+TBitmap* TPicture::Bitmap() {
+  if (!Is<TBitmap>(FGraphic.get())) Hold(MakeOwned<TBitmap>());
+  return static_cast<TBitmap*>(FGraphic.get());
+}
+
+void TPicture::LoadFromFile(const std::string& FileName) {
+  std::string Ext = std::filesystem::path(FileName).extension().string();
+  std::transform(Ext.begin(), Ext.end(), Ext.begin(),
+                 [](unsigned char C) { return static_cast<char>(std::tolower(C)); });
+  if (Ext != ".png")
+    throw EInvalidGraphic("Unknown picture file extension (" + (Ext.empty() ? "none" : Ext) +
+                          ") of the file " + Quoted(FileName));
+  TOwned<TBitmap> B = MakeOwned<TBitmap>();
+  B->LoadFromFile(FileName);
+  Hold(std::move(B));
+}
+
+void TPicture::SaveToFile(const std::string& FileName) const {
+  if (!FGraphic)
+    throw EInvalidGraphic("An empty picture cannot be written to the file " + Quoted(FileName));
+  FGraphic->SaveToFile(FileName);
+}
+
+void TPicture::Assign(const TPersistent* Source) {
+  if (Source == this) return;
+  if (!Source) {
+    SetGraphic(nullptr);
+    return;
+  }
+  if (auto* P = dynamic_cast<const TPicture*>(Source)) {
+    SetGraphic(P->Graphic());
+    return;
+  }
+  if (auto* G = dynamic_cast<const TGraphic*>(Source)) {
+    SetGraphic(G);
+    return;
+  }
+  inherited::Assign(Source);
+}
+
+void TPicture::AssignTo(TPersistent* Dest) const {
+  if (FGraphic && Dest->InheritsFrom(FGraphic->ClassType())) {
+    Dest->Assign(FGraphic.get());
+    return;
+  }
+  inherited::AssignTo(Dest);
+}
+
+} // namespace kx

@@ -1,0 +1,525 @@
+#include "kxcharts/toolkit/KXCanvas.h"
+
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/KXBitmapProbe.h"
+#include "tests/support/KXTestSupport.h"
+
+namespace kx {
+namespace {
+
+using test::CountPainted;
+using test::MakeBitmap;
+using test::PaintedBounds;
+using test::PixelBytes;
+
+struct CanvasFixture : ::testing::Test {
+  TOwned<TBitmap> Bmp = MakeBitmap(60, 40);
+  TCanvas* C = Bmp->Canvas();
+};
+
+// --- Rectangles ---
+
+TEST_F(CanvasFixture, FillRectTouchesExactlyItsHalfOpenBox) {
+  C->Brush()->SetColor(clRed);
+  C->FillRect({10, 10, 20, 20});
+  EXPECT_EQ(CountPainted(Bmp.get()), 100);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{10, 10, 20, 20}));
+  EXPECT_EQ(C->Pixel(10, 10), clRed);
+  EXPECT_EQ(C->Pixel(19, 19), clRed);
+}
+
+TEST_F(CanvasFixture, DegenerateRectanglesPaintNothing) {
+  C->Brush()->SetColor(clRed);
+  const TRect Cases[] = {
+      {10, 10, 10, 20}, {10, 10, 20, 10}, {20, 10, 10, 20}, {10, 20, 20, 10}, {5, 5, 5, 5}};
+  for (const TRect& R : Cases) {
+    C->FillRect(R);
+    C->FrameRect(R);
+    C->Rectangle(R.Left, R.Top, R.Left, R.Bottom);
+    C->Ellipse(R.Left, R.Top, R.Right, R.Top);
+  }
+  EXPECT_EQ(CountPainted(Bmp.get()), 0);
+}
+
+TEST_F(CanvasFixture, FrameRectDrawsOnePixelInsideTheBoxInTheBrushColour) {
+  C->Brush()->SetColor(clBlue);
+  C->FrameRect({10, 10, 20, 15});
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{10, 10, 20, 15}));
+  EXPECT_EQ(CountPainted(Bmp.get()), 2 * 10 + 2 * 3);
+  EXPECT_EQ(C->Pixel(12, 12), clWhite);
+}
+
+class RectanglePenWidth : public ::testing::TestWithParam<int> {};
+
+TEST_P(RectanglePenWidth, StrokesInsideItsBoxAndFillsTheRest) {
+  const int W = GetParam();
+  TOwned<TBitmap> B = MakeBitmap(60, 40);
+  TCanvas* C = B->Canvas();
+  C->Pen()->SetWidth(W);
+  C->Pen()->SetColor(clBlack);
+  C->Brush()->SetColor(clLime);
+  C->Rectangle(10, 10, 30, 25);
+  EXPECT_EQ(PaintedBounds(B.get()), (TRect{10, 10, 30, 25}));
+  const int Pen = std::max(1, W);
+  for (int I = 0; I < Pen; ++I) {
+    EXPECT_EQ(C->Pixel(10 + I, 17), clBlack) << "left edge, column " << I;
+    EXPECT_EQ(C->Pixel(29 - I, 17), clBlack) << "right edge, column " << I;
+    EXPECT_EQ(C->Pixel(20, 10 + I), clBlack) << "top edge, row " << I;
+    EXPECT_EQ(C->Pixel(20, 24 - I), clBlack) << "bottom edge, row " << I;
+  }
+  EXPECT_EQ(C->Pixel(10 + Pen, 10 + Pen), clLime);
+  EXPECT_EQ(C->Pixel(29 - Pen, 24 - Pen), clLime);
+}
+
+INSTANTIATE_TEST_SUITE_P(Widths, RectanglePenWidth, ::testing::Values(0, 1, 2, 3, 5));
+
+TEST_F(CanvasFixture, RectangleOrdersItsCornersAndAClearBrushLeavesTheInside) {
+  C->Brush()->SetStyle(bsClear);
+  C->Rectangle(30, 25, 10, 10);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{10, 10, 30, 25}));
+  EXPECT_EQ(C->Pixel(20, 17), clWhite);
+}
+
+TEST_F(CanvasFixture, EllipseAndRoundRectStayInsideTheirBoxes) {
+  C->Brush()->SetColor(clRed);
+  C->Ellipse(5, 5, 25, 35);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{5, 5, 25, 35}));
+  EXPECT_EQ(C->Pixel(15, 20), clRed);
+  EXPECT_EQ(C->Pixel(5, 5), clWhite) << "the corner lies outside the ellipse";
+  C->RoundRect(30, 5, 55, 35, 10, 10);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{5, 5, 55, 35}));
+  EXPECT_EQ(C->Pixel(30, 5), clWhite) << "a rounded corner is cut";
+  EXPECT_EQ(C->Pixel(30, 20), clBlack) << "the straight part of the border";
+}
+
+// --- Lines ---
+
+struct LineCase {
+  TPoint From, To;
+};
+
+class LineEnds : public ::testing::TestWithParam<LineCase> {};
+
+TEST_P(LineEnds, LineToPaintsItsStartButNotItsEnd) {
+  const LineCase L = GetParam();
+  TOwned<TBitmap> B = MakeBitmap(40, 40);
+  TCanvas* C = B->Canvas();
+  C->MoveTo(L.From.X, L.From.Y);
+  C->LineTo(L.To.X, L.To.Y);
+  EXPECT_EQ(C->PenPos(), L.To);
+  EXPECT_NE(C->Pixel(L.From.X, L.From.Y), clWhite);
+  EXPECT_EQ(C->Pixel(L.To.X, L.To.Y), clWhite);
+}
+
+INSTANTIATE_TEST_SUITE_P(Directions, LineEnds,
+                         ::testing::Values(LineCase{{5, 10}, {30, 10}}, LineCase{{30, 10}, {5, 10}},
+                                           LineCase{{10, 5}, {10, 30}}, LineCase{{10, 30}, {10, 5}},
+                                           LineCase{{5, 5}, {30, 30}}, LineCase{{30, 5}, {5, 30}},
+                                           LineCase{{5, 5}, {30, 12}}));
+
+TEST_F(CanvasFixture, OnePixelHorizontalLineCoversOneRowAtFullColour) {
+  C->Pen()->SetColor(clNavy);
+  C->MoveTo(5, 10);
+  C->LineTo(25, 10);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{5, 10, 25, 11}));
+  EXPECT_EQ(test::CountPixels(Bmp.get(), [](TColor P) { return P == clNavy; }), 20);
+  EXPECT_EQ(CountPainted(Bmp.get()), 20);
+}
+
+TEST_F(CanvasFixture, OnePixelVerticalLineAndPolylineCornersAreCrisp) {
+  const TPoint L[] = {{5, 5}, {5, 20}, {20, 20}};
+  C->Polyline(L);
+  EXPECT_EQ(CountPainted(Bmp.get()), 15 + 15);
+  EXPECT_EQ(test::CountPixels(Bmp.get(), [](TColor P) { return P == clBlack; }), 30);
+  EXPECT_EQ(C->Pixel(5, 20), clBlack) << "the corner";
+  EXPECT_EQ(C->Pixel(20, 20), clWhite) << "the end point";
+}
+
+TEST_F(CanvasFixture, DiagonalsAreAntialiased) {
+  C->MoveTo(0, 0);
+  C->LineTo(40, 13);
+  const int32_t Partial =
+      test::CountPixels(Bmp.get(), [](TColor P) { return P != clWhite && P != clBlack; });
+  EXPECT_GT(Partial, 10);
+}
+
+TEST_F(CanvasFixture, WidePensAndDashesStayOnTheirRows) {
+  C->Pen()->SetWidth(3);
+  C->MoveTo(5, 10);
+  C->LineTo(45, 10);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{5, 9, 45, 12}));
+  TOwned<TBitmap> B = MakeBitmap(60, 10);
+  B->Canvas()->Pen()->SetStyle(psDot);
+  B->Canvas()->MoveTo(0, 5);
+  B->Canvas()->LineTo(60, 5);
+  EXPECT_EQ(CountPainted(B.get()), 30) << "dots of three on, three off";
+  B->Canvas()->Pen()->SetStyle(psClear);
+  B->Canvas()->MoveTo(0, 2);
+  B->Canvas()->LineTo(60, 2);
+  EXPECT_EQ(CountPainted(B.get()), 30);
+}
+
+TEST_F(CanvasFixture, PolygonFillsAndOutlinesThroughEveryPoint) {
+  C->Brush()->SetColor(clYellow);
+  const TPoint Square[] = {{10, 10}, {20, 10}, {20, 20}, {10, 20}};
+  C->Polygon(Square);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{10, 10, 21, 21}));
+  EXPECT_EQ(C->Pixel(15, 15), clYellow);
+  EXPECT_EQ(C->Pixel(20, 20), clBlack);
+}
+
+// --- Pen modes and focus rectangles ---
+
+TEST_F(CanvasFixture, TwoXorLinesRestoreTheBitmapByteForByte) {
+  C->Brush()->SetColor(clTeal);
+  C->FillRect({0, 0, 30, 40});
+  const auto Before = PixelBytes(Bmp.get());
+  C->Pen()->SetMode(pmXor);
+  C->Pen()->SetColor(clYellow);
+  auto Draw = [&] {
+    C->MoveTo(2, 3);
+    C->LineTo(55, 31);
+    C->MoveTo(0, 20);
+    C->LineTo(60, 20);
+  };
+  Draw();
+  EXPECT_NE(PixelBytes(Bmp.get()), Before);
+  EXPECT_EQ(C->Pixel(40, 20), static_cast<TColor>(clWhite ^ clYellow));
+  Draw();
+  EXPECT_EQ(PixelBytes(Bmp.get()), Before);
+}
+
+TEST_F(CanvasFixture, XorRubberBandRectangleRestoresAndModesThatDoNotReadPixelsDoNot) {
+  const auto Before = PixelBytes(Bmp.get());
+  C->Pen()->SetMode(pmXor);
+  C->Brush()->SetStyle(bsClear);
+  C->Rectangle(40, 30, 5, 5);
+  C->Rectangle(40, 30, 5, 5);
+  EXPECT_EQ(PixelBytes(Bmp.get()), Before);
+  C->Pen()->SetMode(pmNop);
+  C->Rectangle(5, 5, 40, 30);
+  EXPECT_EQ(PixelBytes(Bmp.get()), Before);
+  C->Pen()->SetMode(pmNot);
+  C->MoveTo(0, 1);
+  C->LineTo(10, 1);
+  EXPECT_EQ(C->Pixel(3, 1), clBlack);
+}
+
+struct FocusCase {
+  TRect R;
+  bool Visible;
+};
+
+class FocusRect : public ::testing::TestWithParam<FocusCase> {};
+
+TEST_P(FocusRect, DrawnTwiceRestoresTheBitmapByteForByte) {
+  TOwned<TBitmap> B = MakeBitmap(30, 20, clSilver);
+  B->Canvas()->Brush()->SetColor(clMaroon);
+  B->Canvas()->FillRect({0, 0, 15, 20});
+  const auto Before = PixelBytes(B.get());
+  B->Canvas()->DrawFocusRect(GetParam().R);
+  EXPECT_EQ(PixelBytes(B.get()) != Before, GetParam().Visible);
+  B->Canvas()->DrawFocusRect(GetParam().R);
+  EXPECT_EQ(PixelBytes(B.get()), Before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rectangles, FocusRect,
+    ::testing::Values(FocusCase{{2, 2, 25, 15}, true}, FocusCase{{25, 15, 2, 2}, true},
+                      FocusCase{{5, 5, 5, 15}, false}, FocusCase{{5, 5, 6, 15}, true},
+                      FocusCase{{5, 5, 15, 6}, true}, FocusCase{{-10, -10, 20, 10}, true},
+                      FocusCase{{-10, -10, 40, 40}, false},
+                      FocusCase{{INT_MIN, INT_MIN, INT_MAX, INT_MAX}, false},
+                      FocusCase{{100, 100, 120, 120}, false}));
+
+// --- Clipping ---
+
+TEST_F(CanvasFixture, ClipRectanglesNestAndUnwind) {
+  C->Brush()->SetColor(clRed);
+  C->SetClipRect({10, 10, 40, 30});
+  C->SetClipRect({20, 0, 60, 20});
+  EXPECT_EQ(C->ClipRect(), (TRect{20, 10, 40, 20}));
+  C->FillRect({0, 0, 60, 40});
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{20, 10, 40, 20}));
+  C->RestoreClipRect();
+  C->Brush()->SetColor(clBlue);
+  C->FillRect({0, 0, 60, 40});
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{10, 10, 40, 30}));
+  C->RestoreClipRect();
+  C->RestoreClipRect(); // one too many does nothing
+  EXPECT_EQ(C->ClipRect(), (TRect{0, 0, 60, 40}));
+  C->FillRect({0, 0, 60, 40});
+  EXPECT_EQ(CountPainted(Bmp.get()), 60 * 40);
+}
+
+TEST_F(CanvasFixture, ClipScopeIsTakenBackWhenAnExceptionPasses) {
+  try {
+    TCanvasClip Clip(C, {0, 0, 5, 5});
+    throw Exception("handler failed");
+  } catch (const Exception&) {
+  }
+  EXPECT_EQ(C->LayerDepth(), 0);
+  EXPECT_EQ(C->ClipRect(), (TRect{0, 0, 60, 40}));
+}
+
+TEST_F(CanvasFixture, ClipAppliesToPixelsTextAndPenModes) {
+  TCanvasClip Clip(C, {0, 0, 10, 10});
+  C->SetPixel(20, 20, clRed);
+  C->Pen()->SetMode(pmXor);
+  C->MoveTo(0, 20);
+  C->LineTo(60, 20);
+  C->TextOut(15, 15, "Outside");
+  EXPECT_EQ(CountPainted(Bmp.get()), 0);
+}
+
+// --- Opacity ---
+
+TEST_F(CanvasFixture, OpacityLayersBlendAndNest) {
+  C->Brush()->SetColor(clBlack);
+  C->BeginOpacity(0.5f);
+  C->FillRect({0, 0, 10, 10});
+  C->EndOpacity();
+  EXPECT_TRUE(test::Near(C->Pixel(5, 5), RGBToColor(128, 128, 128)));
+  {
+    TCanvasOpacity Outer(C, 0.5f);
+    TCanvasOpacity Inner(C, 0.5f);
+    C->FillRect({20, 0, 30, 10});
+  }
+  EXPECT_TRUE(test::Near(C->Pixel(25, 5), RGBToColor(191, 191, 191)));
+  C->BeginOpacity(std::nanf(""));
+  C->FillRect({40, 0, 50, 10});
+  C->EndOpacity();
+  EXPECT_EQ(C->Pixel(45, 5), clWhite);
+  EXPECT_EQ(C->LayerDepth(), 0);
+}
+
+// --- Pixels and bad coordinates ---
+
+TEST_F(CanvasFixture, PixelsReadBackAndOutsideIsNone) {
+  C->SetPixel(3, 4, clFuchsia);
+  EXPECT_EQ(C->Pixel(3, 4), clFuchsia);
+  EXPECT_EQ(C->Pixel(-1, 0), clNone);
+  EXPECT_EQ(C->Pixel(60, 0), clNone);
+  C->SetPixel(-5, 100, clRed); // ignored
+}
+
+TEST_F(CanvasFixture, HugeCoordinatesAreClampedAndDrawSafely) {
+  C->Brush()->SetColor(clRed);
+  C->FillRect({INT_MIN, INT_MIN, INT_MAX, INT_MAX});
+  EXPECT_EQ(CountPainted(Bmp.get()), 60 * 40) << "the whole bitmap is red";
+  EXPECT_EQ(C->Pixel(30, 20), clRed);
+  C->MoveTo(INT_MIN, 5);
+  C->LineTo(INT_MAX, 5);
+  EXPECT_EQ(C->Pixel(30, 5), clBlack);
+  const TPoint Wild[] = {{INT_MIN, INT_MAX}, {INT_MAX, INT_MIN}, {0, 0}, {INT_MAX, INT_MAX}};
+  C->Polyline(Wild);
+  C->Polygon(Wild);
+  C->Ellipse(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
+  C->RoundRect(INT_MIN, 0, INT_MAX, 10, INT_MAX, INT_MIN);
+  C->Polyline({});
+  C->Polygon({});
+  const TPoint One[] = {{5, 5}};
+  C->Polyline(One);
+  C->TextOut(INT_MAX, INT_MIN, "far away");
+}
+
+// --- Text ---
+
+TEST_F(CanvasFixture, TextExtentsGrowWithFontSize) {
+  TSize Last{0, 0};
+  for (int Size : {6, 8, 12, 20, 36}) {
+    C->Font()->SetSize(Size);
+    const TSize S = C->TextExtent("Revenue 2024");
+    EXPECT_GT(S.cx, Last.cx) << "size " << Size;
+    EXPECT_GT(S.cy, Last.cy) << "size " << Size;
+    Last = S;
+  }
+  EXPECT_EQ(C->TextExtent(""), (TSize{0, 0}));
+  EXPECT_GT(C->TextWidth("WW"), C->TextWidth("W"));
+}
+
+TEST_F(CanvasFixture, TextPaintsInsideItsMeasuredBoxAndMovesThePen) {
+  C->Brush()->SetStyle(bsClear);
+  C->Font()->SetColor(clBlack);
+  const TSize S = C->TextExtent("Hello");
+  C->TextOut(5, 8, "Hello");
+  const TRect Ink = PaintedBounds(Bmp.get());
+  EXPECT_FALSE(Ink.IsEmpty());
+  EXPECT_GE(Ink.Left, 5);
+  EXPECT_GE(Ink.Top, 8);
+  EXPECT_LE(Ink.Right, 5 + S.cx);
+  EXPECT_LE(Ink.Bottom, 8 + S.cy);
+  EXPECT_EQ(C->PenPos(), (TPoint{5 + S.cx, 8}));
+}
+
+TEST_F(CanvasFixture, OpaqueTextFillsItsBoxWithTheBrush) {
+  C->Brush()->SetColor(clYellow);
+  const TSize S = C->TextExtent("Box");
+  C->TextOut(4, 4, "Box");
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{4, 4, 4 + S.cx, 4 + S.cy}));
+}
+
+TEST_F(CanvasFixture, TextTurnedBy90DegreesRisesFromItsOrigin) {
+  C->Brush()->SetStyle(bsClear);
+  C->Font()->SetSize(10);
+  const TSize S = C->TextExtent("Label");
+  TOwned<TBitmap> B = MakeBitmap(60, 80);
+  B->Canvas()->Brush()->SetStyle(bsClear);
+  B->Canvas()->Font()->Assign(C->Font());
+  B->Canvas()->Font()->SetOrientation(90);
+  B->Canvas()->TextOut(20, 70, "Label");
+  const TRect Ink = PaintedBounds(B.get());
+  EXPECT_GE(Ink.Left, 20);
+  EXPECT_LE(Ink.Right, 20 + S.cy);
+  EXPECT_GE(Ink.Top, 70 - S.cx);
+  EXPECT_LE(Ink.Bottom, 70);
+  EXPECT_GT(Ink.Height(), Ink.Width()) << "the text runs upward";
+}
+
+TEST_F(CanvasFixture, TextRectClipsToItsRectangle) {
+  C->Brush()->SetStyle(bsClear);
+  C->TextRect({0, 0, 12, 40}, 2, 2, "A long text that does not fit");
+  EXPECT_LE(PaintedBounds(Bmp.get()).Right, 12);
+  C->Brush()->SetColor(clAqua);
+  C->TextRect({30, 30, 40, 35}, 30, 30, "");
+  EXPECT_EQ(C->Pixel(35, 32), clAqua) << "an opaque TextRect fills its rectangle";
+}
+
+TEST_F(CanvasFixture, BadTextIsDrawnWithoutFault) {
+  const std::string Invalid = "ok\xff\xfe bad \xc3";
+  const std::string WithNul("before\0after", 12);
+  EXPECT_GT(C->TextWidth(Invalid), 0);
+  EXPECT_EQ(C->TextWidth(WithNul), C->TextWidth("before"));
+  C->TextOut(0, 0, Invalid);
+  C->Font()->SetName("");
+  EXPECT_EQ(C->Font()->Name(), "DejaVu Sans");
+}
+
+TEST(Canvas, MetricsDoNotDependOnTheSurface) {
+  test::TTempDir Dir;
+  TOwned<TCanvas> Svg = CreateSvgCanvas((Dir / "m.svg").string(), 100, 100);
+  TOwned<TBitmap> B = MakeBitmap(10, 10);
+  for (const char* Text : {"Axis title", "1,234.5", "Wg"})
+    EXPECT_EQ(Svg->TextExtent(Text), B->Canvas()->TextExtent(Text)) << Text;
+  Svg->Finish();
+}
+
+// --- Bitmaps on canvases ---
+
+TEST_F(CanvasFixture, DrawAndStretchDrawCopyAndBlendBitmaps) {
+  TOwned<TBitmap> Red = MakeBitmap(4, 4, clRed);
+  C->Draw(2, 2, Red.get());
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{2, 2, 6, 6}));
+  C->StretchDraw({10, 10, 30, 20}, Red.get());
+  EXPECT_EQ(C->Pixel(10, 10), clRed);
+  EXPECT_EQ(C->Pixel(29, 19), clRed);
+  EXPECT_EQ(C->Pixel(30, 20), clWhite);
+  C->Draw(40, 10, Red.get(), 0.5f);
+  EXPECT_TRUE(test::Near(C->Pixel(41, 11), RGBToColor(255, 128, 128)));
+  C->StretchDraw({50, 30, 40, 20}, Red.get()); // inverted: nothing
+  C->Draw(0, 0, nullptr);
+  EXPECT_EQ(C->Pixel(45, 25), clWhite);
+}
+
+TEST_F(CanvasFixture, TransparentBitmapsLeaveTheirKeyColourOut) {
+  TOwned<TBitmap> Icon = MakeBitmap(6, 6, clLime);
+  Icon->Canvas()->Brush()->SetColor(clBlue);
+  Icon->Canvas()->FillRect({2, 2, 4, 4});
+  Icon->SetTransparent(true);
+  C->Draw(10, 10, Icon.get());
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{12, 12, 14, 14}));
+}
+
+TEST(Canvas, ABitmapKeepsItsCanvasAcrossSizes) {
+  TOwned<TBitmap> B = MakeOwned<TBitmap>();
+  TCanvas* Before = B->Canvas();
+  B->SetSize(20, 10);
+  B->SetSize(50, 30);
+  EXPECT_EQ(B->Canvas(), Before);
+  EXPECT_EQ(B->Canvas()->Width(), 50);
+  B->Canvas()->Brush()->SetColor(clRed);
+  B->Canvas()->FillRect({0, 0, 100, 100});
+  EXPECT_EQ(B->Canvas()->Pixel(49, 29), clRed);
+}
+
+// --- Vector output ---
+
+void DrawSample(TCanvas* C) {
+  C->Brush()->SetColor(clRed);
+  C->Rectangle(10, 10, 90, 60);
+  C->Pen()->SetColor(clBlue);
+  C->MoveTo(0, 70);
+  C->LineTo(100, 70);
+  C->Brush()->SetStyle(bsClear);
+  C->TextOut(10, 75, "Vector");
+}
+
+std::string Slurp(const std::filesystem::path& P) {
+  std::ifstream In(P, std::ios::binary);
+  return {std::istreambuf_iterator<char>(In), {}};
+}
+
+TEST(Canvas, TheSameDrawingMakesValidSvgAndPdfFiles) {
+  test::TTempDir Dir;
+  const auto SvgPath = Dir / "sample.svg", PdfPath = Dir / "sample.pdf";
+  {
+    TOwned<TCanvas> Svg = CreateSvgCanvas(SvgPath.string(), 100, 100);
+    EXPECT_EQ(Svg->SurfaceKind(), skSvg);
+    DrawSample(Svg.get());
+    Svg->Finish();
+    TOwned<TCanvas> Pdf = CreatePdfCanvas(PdfPath.string(), 100, 100);
+    DrawSample(Pdf.get());
+    Pdf->Finish();
+    Pdf->TextOut(0, 0, "after the end does nothing");
+  }
+  const std::string Svg = Slurp(SvgPath);
+  EXPECT_EQ(Svg.rfind("<?xml", 0), 0u);
+  EXPECT_NE(Svg.find("<svg"), std::string::npos);
+  EXPECT_NE(Svg.find("</svg>"), std::string::npos);
+  EXPECT_NE(Svg.find("width=\"100px\""), std::string::npos);
+  const std::string Pdf = Slurp(PdfPath);
+  EXPECT_EQ(Pdf.rfind("%PDF-", 0), 0u);
+  EXPECT_NE(Pdf.find("%%EOF"), std::string::npos);
+}
+
+TEST(Canvas, ThePdfRendersWithPdftoppm) {
+  if (std::system("command -v pdftoppm >/dev/null 2>&1") != 0)
+    GTEST_SKIP() << "pdftoppm is not installed";
+  test::TTempDir Dir;
+  const auto PdfPath = Dir / "sample.pdf";
+  {
+    TOwned<TCanvas> Pdf = CreatePdfCanvas(PdfPath.string(), 100, 100);
+    DrawSample(Pdf.get());
+    Pdf->Finish();
+  }
+  const std::string Command = "pdftoppm -png -r 72 -singlefile \"" + PdfPath.string() + "\" \"" +
+                              (Dir / "page").string() + "\"";
+  ASSERT_EQ(std::system(Command.c_str()), 0);
+  TOwned<TBitmap> Page = MakeOwned<TBitmap>();
+  Page->LoadFromFile((Dir / "page.png").string());
+  EXPECT_EQ(Page->Width(), 100);
+  EXPECT_TRUE(test::Near(Page->Canvas()->Pixel(50, 35), clRed, 8));
+  EXPECT_TRUE(test::Near(Page->Canvas()->Pixel(50, 95), clWhite, 8));
+}
+
+TEST(Canvas, AFileThatCannotBeCreatedIsNamedInTheError) {
+  const std::string Bad = "/nonexistent-folder/x/out.svg";
+  try {
+    TOwned<TCanvas> Svg = CreateSvgCanvas(Bad, 10, 10);
+    Svg->Finish();
+    FAIL() << "no exception";
+  } catch (const Exception& E) {
+    EXPECT_NE(E.Message().find(Bad), std::string::npos) << E.Message();
+  }
+}
+
+} // namespace
+} // namespace kx
