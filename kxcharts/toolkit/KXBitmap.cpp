@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "kxcharts/toolkit/KXStreaming.h"
+
 namespace kx {
 
 namespace {
@@ -347,6 +349,75 @@ void TPicture::AssignTo(TPersistent* Dest) const {
     return;
   }
   inherited::AssignTo(Dest);
+}
+
+// --- Stored picture data ---
+
+namespace {
+
+constexpr char Base64Digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+std::string EncodeBase64(std::span<const uint8_t> Data) {
+  std::string Out;
+  Out.reserve((Data.size() + 2) / 3 * 4);
+  size_t I = 0;
+  for (; I + 2 < Data.size(); I += 3) {
+    const uint32_t N = uint32_t(Data[I]) << 16 | uint32_t(Data[I + 1]) << 8 | Data[I + 2];
+    for (int Shift = 18; Shift >= 0; Shift -= 6)
+      Out += Base64Digits[(N >> Shift) & 63];
+  }
+  if (const size_t Rest = Data.size() - I) {
+    const uint32_t N = uint32_t(Data[I]) << 16 | (Rest == 2 ? uint32_t(Data[I + 1]) << 8 : 0);
+    Out += Base64Digits[(N >> 18) & 63];
+    Out += Base64Digits[(N >> 12) & 63];
+    Out += Rest == 2 ? Base64Digits[(N >> 6) & 63] : '=';
+    Out += '=';
+  }
+  return Out;
+}
+
+std::vector<uint8_t> DecodeBase64(std::string_view Text) {
+  auto Digit = [](char C) -> int {
+    if (C >= 'A' && C <= 'Z') return C - 'A';
+    if (C >= 'a' && C <= 'z') return C - 'a' + 26;
+    if (C >= '0' && C <= '9') return C - '0' + 52;
+    if (C == '+') return 62;
+    if (C == '/') return 63;
+    return -1;
+  };
+  while (!Text.empty() && Text.back() == '=')
+    Text.remove_suffix(1);
+  if (Text.size() % 4 == 1) throw EInvalidGraphic("The picture data is not base64 text");
+  std::vector<uint8_t> Out;
+  Out.reserve(Text.size() * 3 / 4);
+  uint32_t Acc = 0;
+  int Bits = 0;
+  for (char C : Text) {
+    const int D = Digit(C);
+    if (D < 0) throw EInvalidGraphic("The picture data is not base64 text");
+    Acc = (Acc << 6) | uint32_t(D);
+    Bits += 6;
+    if (Bits >= 8) {
+      Bits -= 8;
+      Out.push_back(static_cast<uint8_t>((Acc >> Bits) & 0xFF));
+    }
+  }
+  return Out;
+}
+
+} // namespace
+
+void TPicture::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.DefineProperty(
+      "Data",
+      [this](TReader& Reader) {
+        TOwned<TBitmap> B = MakeOwned<TBitmap>();
+        B->LoadFromBytes(DecodeBase64(Reader.ReadString()));
+        Hold(std::move(B));
+      },
+      [this](TWriter& Writer) { Writer.WriteString(EncodeBase64(FGraphic->SaveToBytes())); },
+      FGraphic && !FGraphic->Empty());
 }
 
 } // namespace kx

@@ -138,6 +138,8 @@ public:
 
 protected:
   void AssignTo(TPersistent* Dest) const override;
+  // Stores the graphic as "Data": its PNG bytes in base64 text.
+  void DefineProperties(TFiler& Filer) override;
   virtual void Changed();
 
 private:

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kxcharts/toolkit/KXStreaming.h"
+
 namespace kx {
 
 namespace {
@@ -202,6 +204,36 @@ void TFont::Assign(const TPersistent* Source) {
     return;
   }
   inherited::Assign(Source);
+}
+
+// --- Stored properties ---
+
+// Pens, brushes and fonts declare no defaults: their owners start them with values of their
+// own (a black label font, a clear header brush), so a value that equals a fresh object's
+// would otherwise be left out and read back as the owner's start value.
+
+void TPen::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TPen::Color, &TPen::SetColor);
+  Filer.Property("Mode", this, &TPen::Mode, &TPen::SetMode);
+  Filer.Property("Style", this, &TPen::Style, &TPen::SetStyle);
+  Filer.Property("Width", this, &TPen::Width, &TPen::SetWidth);
+}
+
+// Colour before style: giving a clear brush a colour makes it solid.
+void TBrush::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TBrush::Color, &TBrush::SetColor);
+  Filer.Property("Style", this, &TBrush::Style, &TBrush::SetStyle);
+}
+
+void TFont::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TFont::Color, &TFont::SetColor);
+  Filer.Property("Height", this, &TFont::Height, &TFont::SetHeight);
+  Filer.Property("Name", this, &TFont::Name, &TFont::SetName);
+  Filer.Property("Orientation", this, &TFont::Orientation, &TFont::SetOrientation);
+  Filer.Property("Style", this, &TFont::Style, &TFont::SetStyle);
 }
 
 } // namespace kx

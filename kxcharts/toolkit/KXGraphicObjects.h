@@ -115,6 +115,9 @@ public:
 
   void Assign(const TPersistent* Source) override;
 
+protected:
+  void DefineProperties(TFiler& Filer) override;
+
 private:
   TColor FColor = clBlack;
   int32_t FWidth = 1;
@@ -134,6 +137,9 @@ public:
   void SetStyle(TBrushStyle Value);
 
   void Assign(const TPersistent* Source) override;
+
+protected:
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   TColor FColor = clWhite;
@@ -172,6 +178,9 @@ public:
 
   // True when every attribute equals that of Other.
   bool SameAs(const TFont& Other) const;
+
+protected:
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   std::string FName = DefaultName;
