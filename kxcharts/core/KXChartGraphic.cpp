@@ -253,6 +253,9 @@ void TKXCustomChartLabel::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     Box = {AddClamped(C.X, -CanvasDiv(Size.cx, 2)), AddClamped(C.Y, -CanvasDiv(Size.cy, 2))};
   }
   }
+  // A label has no brush of its own: whatever brush the canvas was left with must not box
+  // the text in.
+  Canvas->Brush()->SetStyle(bsClear);
   TCanvasOpacity Layer(Canvas, Opacity());
   Canvas->TextOut(AddClamped(Box.X, Offset.X), AddClamped(Box.Y, Offset.Y), Caption);
 }

@@ -165,6 +165,16 @@ TEST(ChartLabel, HiddenOrEmptyPaintsNothingYetRaisesOnDraw) {
   EXPECT_EQ(test::CountPainted(B.get()), 0);
 }
 
+TEST(ChartLabel, WritesOnlyTheTextWhateverBrushTheCanvasHas) {
+  auto B = test::MakeBitmap(120, 40);
+  B->Canvas()->Brush()->SetColor(clLime);
+  auto Label = MakeOwned<TKXChartLabel>();
+  Label->SetText("Text");
+  Label->Draw(B->Canvas(), {0, 0, 120, 40});
+  EXPECT_GT(test::CountPainted(B.get()), 10);
+  EXPECT_EQ(test::CountPixels(B.get(), [](TColor C) { return C == clLime; }), 0);
+}
+
 struct TAlignCase {
   TAlignment Alignment;
   int32_t Angle;
