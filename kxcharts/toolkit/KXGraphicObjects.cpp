@@ -114,6 +114,14 @@ void TPen::Assign(const TPersistent* Source) {
   inherited::Assign(Source);
 }
 
+void TPen::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TPen::Color, &TPen::SetColor, clBlack);
+  Filer.Property("Mode", this, &TPen::Mode, &TPen::SetMode, pmCopy);
+  Filer.Property("Style", this, &TPen::Style, &TPen::SetStyle, psSolid);
+  Filer.Property("Width", this, &TPen::Width, &TPen::SetWidth, 1);
+}
+
 // --- TBrush ---
 
 void TBrush::SetColor(TColor Value) {
@@ -139,6 +147,12 @@ void TBrush::Assign(const TPersistent* Source) {
     return;
   }
   inherited::Assign(Source);
+}
+
+void TBrush::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TBrush::Color, &TBrush::SetColor, clWhite);
+  Filer.Property("Style", this, &TBrush::Style, &TBrush::SetStyle, bsSolid);
 }
 
 // --- TFont ---
@@ -206,34 +220,13 @@ void TFont::Assign(const TPersistent* Source) {
   inherited::Assign(Source);
 }
 
-// --- Stored properties ---
-
-// Pens, brushes and fonts declare no defaults: their owners start them with values of their
-// own (a black label font, a clear header brush), so a value that equals a fresh object's
-// would otherwise be left out and read back as the owner's start value.
-
-void TPen::DefineProperties(TFiler& Filer) {
-  inherited::DefineProperties(Filer);
-  Filer.Property("Color", this, &TPen::Color, &TPen::SetColor);
-  Filer.Property("Mode", this, &TPen::Mode, &TPen::SetMode);
-  Filer.Property("Style", this, &TPen::Style, &TPen::SetStyle);
-  Filer.Property("Width", this, &TPen::Width, &TPen::SetWidth);
-}
-
-// Colour before style: giving a clear brush a colour makes it solid.
-void TBrush::DefineProperties(TFiler& Filer) {
-  inherited::DefineProperties(Filer);
-  Filer.Property("Color", this, &TBrush::Color, &TBrush::SetColor);
-  Filer.Property("Style", this, &TBrush::Style, &TBrush::SetStyle);
-}
-
 void TFont::DefineProperties(TFiler& Filer) {
   inherited::DefineProperties(Filer);
-  Filer.Property("Color", this, &TFont::Color, &TFont::SetColor);
-  Filer.Property("Height", this, &TFont::Height, &TFont::SetHeight);
-  Filer.Property("Name", this, &TFont::Name, &TFont::SetName);
-  Filer.Property("Orientation", this, &TFont::Orientation, &TFont::SetOrientation);
-  Filer.Property("Style", this, &TFont::Style, &TFont::SetStyle);
+  Filer.Property("Color", this, &TFont::Color, &TFont::SetColor, clWindowText);
+  Filer.Property("Height", this, &TFont::Height, &TFont::SetHeight, -11);
+  Filer.Property("Name", this, &TFont::Name, &TFont::SetName, std::string(DefaultName));
+  Filer.Property("Orientation", this, &TFont::Orientation, &TFont::SetOrientation, 0);
+  Filer.Property("Style", this, &TFont::Style, &TFont::SetStyle, TFontStyles{});
 }
 
 } // namespace kx

@@ -116,6 +116,7 @@ public:
   void Assign(const TPersistent* Source) override;
 
 protected:
+  // Color, Mode, Style, Width.
   void DefineProperties(TFiler& Filer) override;
 
 private:
@@ -139,6 +140,7 @@ public:
   void Assign(const TPersistent* Source) override;
 
 protected:
+  // Color, Style.
   void DefineProperties(TFiler& Filer) override;
 
 private:
@@ -180,6 +182,8 @@ public:
   bool SameAs(const TFont& Other) const;
 
 protected:
+  // Color, Height, Name, Orientation, Style: the height rather than the size, so that a
+  // font reads back to the very pixel height it was written with.
   void DefineProperties(TFiler& Filer) override;
 
 private:
