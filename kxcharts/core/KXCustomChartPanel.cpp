@@ -293,7 +293,7 @@ void TKXCustomChartPanel::Resize() {
 void TKXCustomChartPanel::Notification(TComponent* AComponent, TOperation Operation) {
   inherited::Notification(AComponent, Operation);
   if (Operation == opRemove && FCharts && !ComponentState().Contains(csDestroying) &&
-      FCharts->IndexOf(static_cast<TKXCustomChart*>(AComponent)) >= 0)
+      FCharts->TComponentList::IndexOf(AComponent) >= 0)
     Invalidate();
 }
 
