@@ -36,7 +36,7 @@ function(kx_add_test folder)
   endif()
   set(name kx_test_${folder})
   string(REPLACE "/" "_" name ${name})
-  add_executable(${name} ${sources})
+  add_executable(${name} ${sources} ${PROJECT_SOURCE_DIR}/tests/KXLeakSuppressions.cpp)
   kx_target_defaults(${name})
   target_link_libraries(${name} PRIVATE kxcharts kx_test_support GTest::gtest GTest::gmock)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "kxcharts/toolkit/KXStreaming.h"
+
 namespace kx {
 
 namespace {
@@ -106,6 +108,57 @@ cairo_surface_t* NewImage(int32_t W, int32_t H) {
                           std::to_string(H) + " pixels");
   }
   return S;
+}
+
+// Base64 (RFC 4648, with padding), for pictures in stored forms.
+std::string ToBase64(const std::vector<uint8_t>& Bytes) {
+  static const char Digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string Out;
+  Out.reserve((Bytes.size() + 2) / 3 * 4);
+  for (size_t I = 0; I < Bytes.size(); I += 3) {
+    const uint32_t N = (uint32_t(Bytes[I]) << 16) |
+                       (I + 1 < Bytes.size() ? uint32_t(Bytes[I + 1]) << 8 : 0) |
+                       (I + 2 < Bytes.size() ? uint32_t(Bytes[I + 2]) : 0);
+    Out += Digits[(N >> 18) & 63];
+    Out += Digits[(N >> 12) & 63];
+    Out += I + 1 < Bytes.size() ? Digits[(N >> 6) & 63] : '=';
+    Out += I + 2 < Bytes.size() ? Digits[N & 63] : '=';
+  }
+  return Out;
+}
+
+// Raises EInvalidGraphic for text that is not base64.
+std::vector<uint8_t> FromBase64(std::string_view Text) {
+  auto Value = [](char C) -> int {
+    if (C >= 'A' && C <= 'Z') return C - 'A';
+    if (C >= 'a' && C <= 'z') return C - 'a' + 26;
+    if (C >= '0' && C <= '9') return C - '0' + 52;
+    if (C == '+') return 62;
+    if (C == '/') return 63;
+    return -1;
+  };
+  while (!Text.empty() && Text.back() == '=')
+    Text.remove_suffix(1);
+  std::vector<uint8_t> Out;
+  Out.reserve(Text.size() * 3 / 4);
+  uint32_t Bits = 0;
+  int Count = 0;
+  for (char C : Text) {
+    const int V = Value(C);
+    if (V < 0) throw EInvalidGraphic("The image data is not base64 text");
+    Bits = (Bits << 6) | uint32_t(V);
+    if (++Count == 4) {
+      Out.push_back(uint8_t(Bits >> 16));
+      Out.push_back(uint8_t(Bits >> 8));
+      Out.push_back(uint8_t(Bits));
+      Bits = 0;
+      Count = 0;
+    }
+  }
+  if (Count == 1) throw EInvalidGraphic("The image data is not base64 text");
+  if (Count >= 2) Out.push_back(uint8_t(Bits >> (Count == 2 ? 4 : 10)));
+  if (Count == 3) Out.push_back(uint8_t(Bits >> 2));
+  return Out;
 }
 
 } // namespace
@@ -230,7 +283,7 @@ void TBitmap::Assign(const TPersistent* Source) {
   inherited::Assign(Source);
 }
 
-void TBitmap::Draw(TCanvas* Canvas, const TRect& R, float Opacity) {
+void TBitmap::Draw(TCanvas* Canvas, const TRect& R, float Opacity) const {
   cairo_t* Cr = Canvas->Handle();
   cairo_surface_t* Source = FSurface;
   if (Transparent()) {
@@ -347,6 +400,194 @@ void TPicture::AssignTo(TPersistent* Dest) const {
     return;
   }
   inherited::AssignTo(Dest);
+}
+
+void TPicture::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.DefineProperty(
+      "Data",
+      [this](TReader& Reader) {
+        TOwned<TBitmap> B = MakeOwned<TBitmap>();
+        B->LoadFromBytes(FromBase64(Reader.ReadString()));
+        Hold(std::move(B));
+      },
+      [this](TWriter& Writer) { Writer.WriteString(ToBase64(FGraphic->SaveToBytes())); },
+      FGraphic && !FGraphic->Empty());
+}
+
+// --- TImageList ---
+
+TImageList::TImageList(TComponent* AOwner) : TComponent(AOwner) {}
+
+void TImageList::Changed() {
+  if (FOnChange) FOnChange(this);
+}
+
+void TImageList::SetWidth(int32_t Value) {
+  SetSize(Value, FHeight);
+}
+
+void TImageList::SetHeight(int32_t Value) {
+  SetSize(FWidth, Value);
+}
+
+void TImageList::SetSize(int32_t NewWidth, int32_t NewHeight) {
+  NewWidth = std::clamp(NewWidth, 1, TBitmap::MaxExtent);
+  NewHeight = std::clamp(NewHeight, 1, TBitmap::MaxExtent);
+  if (NewWidth == FWidth && NewHeight == FHeight) return;
+  FWidth = NewWidth;
+  FHeight = NewHeight;
+  FImages.clear();
+  Changed();
+}
+
+int32_t TImageList::Add(const TBitmap* Image) {
+  if (!Image || Image->Empty()) return -1;
+  const int32_t First = Count();
+  const int32_t Pieces = (Image->Width() + FWidth - 1) / FWidth;
+  if (int64_t(First) + Pieces > INT32_MAX) throw EListError("An image list is full");
+  for (int32_t I = 0; I < Pieces; ++I) {
+    TOwned<TBitmap> Piece = MakeOwned<TBitmap>();
+    Piece->SetSize(FWidth, FHeight);
+    cairo_t* Cr = cairo_create(Piece->Surface());
+    cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_rgba(Cr, 0, 0, 0, 0);
+    cairo_paint(Cr);
+    cairo_set_source_surface(Cr, Image->Surface(), -double(I) * FWidth, 0);
+    cairo_rectangle(Cr, 0, 0, FWidth, FHeight);
+    cairo_fill(Cr);
+    cairo_destroy(Cr);
+    cairo_surface_mark_dirty(Piece->Surface());
+    FImages.push_back(std::move(Piece));
+  }
+  Changed();
+  return First;
+}
+
+int32_t TImageList::AddMasked(const TBitmap* Image, TColor MaskColor) {
+  if (!Image || Image->Empty()) return -1;
+  TOwned<TBitmap> Copy = MakeOwned<TBitmap>();
+  Copy->Assign(Image);
+  cairo_surface_flush(Copy->Surface());
+  auto* Data = cairo_image_surface_get_data(Copy->Surface());
+  const int Stride = cairo_image_surface_get_stride(Copy->Surface());
+  const TColor Key = ColorToRGB(MaskColor);
+  const uint32_t KeyPixel = 0xFF000000u | (uint32_t(GetRValue(Key)) << 16) |
+                            (uint32_t(GetGValue(Key)) << 8) | GetBValue(Key);
+  for (int32_t Y = 0; Y < Copy->Height(); ++Y) {
+    auto* Row = reinterpret_cast<uint32_t*>(Data + Y * Stride);
+    for (int32_t X = 0; X < Copy->Width(); ++X)
+      if (Row[X] == KeyPixel) Row[X] = 0;
+  }
+  cairo_surface_mark_dirty(Copy->Surface());
+  return Add(Copy.get());
+}
+
+void TImageList::Delete(int32_t Index) {
+  if (Index < 0 || Index >= Count())
+    throw EListError("List index out of bounds (" + std::to_string(Index) + ")");
+  FImages.erase(FImages.begin() + Index);
+  Changed();
+}
+
+void TImageList::GetBitmap(int32_t Index, TBitmap* Image) const {
+  if (Index < 0 || Index >= Count())
+    throw EListError("List index out of bounds (" + std::to_string(Index) + ")");
+  Image->Assign(FImages[size_t(Index)].get());
+}
+
+void TImageList::Clear() {
+  if (FImages.empty()) return;
+  FImages.clear();
+  Changed();
+}
+
+const TBitmap* TImageList::Image(int32_t Index) const {
+  return Index >= 0 && Index < Count() ? FImages[size_t(Index)].get() : nullptr;
+}
+
+void TImageList::Draw(TCanvas* Canvas, int32_t X, int32_t Y, int32_t Index, bool Enabled) const {
+  const TBitmap* B = Image(Index);
+  if (!B || !Canvas) return;
+  if (Enabled) {
+    Canvas->Draw(X, Y, B);
+    return;
+  }
+  // Greyed: the image's own lightness, washed out.
+  TOwned<TBitmap> Grey = MakeOwned<TBitmap>();
+  Grey->Assign(B);
+  cairo_surface_flush(Grey->Surface());
+  auto* Data = cairo_image_surface_get_data(Grey->Surface());
+  const int Stride = cairo_image_surface_get_stride(Grey->Surface());
+  for (int32_t Row = 0; Row < Grey->Height(); ++Row) {
+    auto* P = reinterpret_cast<uint32_t*>(Data + Row * Stride);
+    for (int32_t Col = 0; Col < Grey->Width(); ++Col) {
+      const uint32_t A = P[Col] >> 24;
+      const uint32_t L =
+          (((P[Col] >> 16) & 0xFF) * 3 + ((P[Col] >> 8) & 0xFF) * 6 + (P[Col] & 0xFF)) / 10;
+      const uint32_t G = (L + A) / 2; // halfway to white, premultiplied
+      P[Col] = (A << 24) | (G << 16) | (G << 8) | G;
+    }
+  }
+  cairo_surface_mark_dirty(Grey->Surface());
+  Canvas->Draw(X, Y, Grey.get(), 0.6f);
+}
+
+void TImageList::StretchDraw(TCanvas* Canvas, const TRect& R, int32_t Index, float Opacity) const {
+  if (const TBitmap* B = Image(Index); B && Canvas) Canvas->StretchDraw(R, B, Opacity);
+}
+
+void TImageList::Assign(const TPersistent* Source) {
+  if (Source == this) return;
+  if (auto* L = dynamic_cast<const TImageList*>(Source)) {
+    FWidth = L->FWidth;
+    FHeight = L->FHeight;
+    FImages.clear();
+    for (const TOwned<TBitmap>& B : L->FImages) {
+      TOwned<TBitmap> Copy = MakeOwned<TBitmap>();
+      Copy->Assign(B.get());
+      FImages.push_back(std::move(Copy));
+    }
+    Changed();
+    return;
+  }
+  inherited::Assign(Source);
+}
+
+void TImageList::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  // The size first: setting it empties the list, which the images then fill.
+  Filer.Property("Width", this, &TImageList::Width, &TImageList::SetWidth, 16);
+  Filer.Property("Height", this, &TImageList::Height, &TImageList::SetHeight, 16);
+  Filer.DefineProperty(
+      "Images",
+      [this](TReader& Reader) {
+        const std::string Text = Reader.ReadString();
+        std::vector<TOwned<TBitmap>> Read;
+        for (size_t At = 0; At < Text.size();) {
+          const size_t End = std::min(Text.find(' ', At), Text.size());
+          TOwned<TBitmap> B = MakeOwned<TBitmap>();
+          B->LoadFromBytes(FromBase64(std::string_view(Text).substr(At, End - At)));
+          if (B->Width() != FWidth || B->Height() != FHeight)
+            throw EInvalidGraphic("An image of the list is not " + std::to_string(FWidth) + " x " +
+                                  std::to_string(FHeight) + " pixels");
+          Read.push_back(std::move(B));
+          At = End + 1;
+        }
+        FImages = std::move(Read);
+        Changed();
+      },
+      [this](TWriter& Writer) {
+        std::string Text;
+        for (const TOwned<TBitmap>& B : FImages)
+          Text += (Text.empty() ? "" : " ") + ToBase64(B->SaveToBytes());
+        Writer.WriteString(Text);
+      },
+      !FImages.empty());
+}
+
+void RegisterGraphicsClasses() {
+  RegisterClasses({ClassOf<TImageList>()});
 }
 
 } // namespace kx

@@ -1,6 +1,7 @@
 #pragma once
 // Pictures: TGraphic (anything a canvas can draw into a rectangle), TBitmap (an ARGB32 image
-// with a canvas of its own, PNG in and out), TPicture (holds one graphic of any kind).
+// with a canvas of its own, PNG in and out), TPicture (holds one graphic of any kind),
+// TImageList (a component holding images of one size, drawn by index).
 
 #include <cairo.h>
 
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "kxcharts/toolkit/KXCanvas.h"
+#include "kxcharts/toolkit/KXClasses.h"
 #include "kxcharts/toolkit/KXObject.h"
 #include "kxcharts/toolkit/KXSysUtils.h"
 
@@ -46,7 +48,7 @@ public:
 protected:
   friend class TCanvas;
   // Paints the graphic into R (not empty, clamped) on Canvas with Opacity in (0, 1].
-  virtual void Draw(TCanvas* Canvas, const TRect& R, float Opacity) = 0;
+  virtual void Draw(TCanvas* Canvas, const TRect& R, float Opacity) const = 0;
   virtual void Changed();
 
 private:
@@ -92,7 +94,7 @@ public:
   void Assign(const TPersistent* Source) override;
 
 protected:
-  void Draw(TCanvas* Canvas, const TRect& R, float Opacity) override;
+  void Draw(TCanvas* Canvas, const TRect& R, float Opacity) const override;
 
 private:
   // Takes over Surface (any image format) as the bitmap's pixels.
@@ -139,6 +141,8 @@ public:
 protected:
   void AssignTo(TPersistent* Dest) const override;
   virtual void Changed();
+  // "Data": the graphic as PNG, in base64.
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   void Hold(TOwned<TGraphic> Graphic);
@@ -146,5 +150,63 @@ private:
   TOwned<TGraphic> FGraphic;
   TNotifyEvent FOnChange;
 };
+
+// Images of one size (Width x Height), drawn by index: the pictures of points and shapes.
+class TImageList : public TComponent {
+  KX_CLASS(TImageList, TComponent)
+
+public:
+  explicit TImageList(TComponent* AOwner);
+
+  int32_t Width() const { return FWidth; }
+  // Width and Height are clamped to 1..TBitmap::MaxExtent; a new size empties the list, as
+  // images of the old size no longer fit.
+  void SetWidth(int32_t Value);
+  int32_t Height() const { return FHeight; }
+  void SetHeight(int32_t Value);
+  void SetSize(int32_t NewWidth, int32_t NewHeight);
+  int32_t Count() const { return static_cast<int32_t>(FImages.size()); }
+
+  const TNotifyEvent& OnChange() const { return FOnChange; }
+  void SetOnChange(TNotifyEvent Value) { FOnChange = std::move(Value); }
+
+  // Adds Image cut into pieces of Width from its left, each piece Height high from its top
+  // (a strip of several images adds them all; a piece that falls short is padded with
+  // transparent pixels). Answers the index of the first image added, or -1 for a missing or
+  // empty image.
+  int32_t Add(const TBitmap* Image);
+  // The same, with the pixels of MaskColor made transparent.
+  int32_t AddMasked(const TBitmap* Image, TColor MaskColor);
+  // Raise EListError outside 0..Count-1.
+  void Delete(int32_t Index);
+  void GetBitmap(int32_t Index, TBitmap* Image) const;
+  void Clear();
+  // The image at Index, or nil outside 0..Count-1.
+  const TBitmap* Image(int32_t Index) const;
+
+  // Draws image Index with its top left at (X, Y); an index outside the list draws nothing.
+  // A disabled image is drawn greyed.
+  void Draw(TCanvas* Canvas, int32_t X, int32_t Y, int32_t Index, bool Enabled = true) const;
+  // Draws image Index stretched into R, with Opacity.
+  void StretchDraw(TCanvas* Canvas, const TRect& R, int32_t Index, float Opacity = 1.0f) const;
+
+  void Assign(const TPersistent* Source) override;
+
+protected:
+  virtual void Changed();
+  // Width, Height (both default 16), and "Images": each image as PNG in base64, separated
+  // by blanks.
+  void DefineProperties(TFiler& Filer) override;
+
+private:
+  std::vector<TOwned<TBitmap>> FImages;
+  int32_t FWidth = 16;
+  int32_t FHeight = 16;
+  TNotifyEvent FOnChange;
+};
+
+// Registers the toolkit's streamed component classes (TImageList) with the class registry,
+// so that a reader can make them by name. Safe to call more than once.
+void RegisterGraphicsClasses();
 
 } // namespace kx

@@ -243,12 +243,17 @@ void TCanvas::Bind(cairo_surface_t* Surface, int32_t Width, int32_t Height) {
   FCairo = cairo_create(Surface);
   FFinished = false;
   FFileName.clear();
+  FDirectPixels = FNoAlpha = false;
   switch (cairo_surface_get_type(Surface)) {
-  case CAIRO_SURFACE_TYPE_IMAGE:
+  case CAIRO_SURFACE_TYPE_IMAGE: {
     FKind = skImage;
     Width = cairo_image_surface_get_width(Surface);
     Height = cairo_image_surface_get_height(Surface);
+    const cairo_format_t Format = cairo_image_surface_get_format(Surface);
+    FDirectPixels = Format == CAIRO_FORMAT_ARGB32 || Format == CAIRO_FORMAT_RGB24;
+    FNoAlpha = Format == CAIRO_FORMAT_RGB24;
     break;
+  }
   case CAIRO_SURFACE_TYPE_SVG:
     FKind = skSvg;
     break;
@@ -290,18 +295,18 @@ bool TCanvas::CanPaint() const {
 }
 
 bool TCanvas::RasterMode() const {
-  return FKind == skImage && FPen->Mode() != pmCopy;
+  return FDirectPixels && FPen->Mode() != pmCopy;
 }
 
 // --- Pixels ---
 
 TColor TCanvas::Pixel(int32_t X, int32_t Y) const {
-  if (FKind != skImage || X < 0 || Y < 0 || X >= FWidth || Y >= FHeight) return clNone;
+  if (!FDirectPixels || X < 0 || Y < 0 || X >= FWidth || Y >= FHeight) return clNone;
   cairo_surface_flush(FSurface);
   const auto* Data = cairo_image_surface_get_data(FSurface);
   const int Stride = cairo_image_surface_get_stride(FSurface);
   const uint32_t P = reinterpret_cast<const uint32_t*>(Data + Y * Stride)[X];
-  const uint32_t A = P >> 24;
+  const uint32_t A = FNoAlpha ? 255 : P >> 24;
   auto Channel = [&](int Shift) -> uint8_t {
     const uint32_t C = (P >> Shift) & 0xFF;
     if (A == 0) return 0;
@@ -313,7 +318,7 @@ TColor TCanvas::Pixel(int32_t X, int32_t Y) const {
 
 void TCanvas::SetPixel(int32_t X, int32_t Y, TColor Color) {
   if (!CanPaint() || !PtInRect(FClip, {X, Y})) return;
-  if (FKind == skImage && FOpacityDepth == 0) {
+  if (FDirectPixels && FOpacityDepth == 0) {
     cairo_surface_flush(FSurface);
     auto* Data = cairo_image_surface_get_data(FSurface);
     const int Stride = cairo_image_surface_get_stride(FSurface);
@@ -726,7 +731,7 @@ void TCanvas::Polygon(std::span<const TPoint> Points) {
 }
 
 void TCanvas::DrawFocusRect(const TRect& R) {
-  if (FKind != skImage || FFinished) return;
+  if (!FDirectPixels || FFinished) return;
   const TRect B = Normalized(R.Left, R.Top, R.Right, R.Bottom);
   if (B.IsEmpty()) return;
   const TRect Area = Intersect(FClip, TRect{0, 0, FWidth, FHeight});
@@ -881,12 +886,12 @@ void TCanvas::TextRect(const TRect& R, int32_t X, int32_t Y, std::string_view Te
 
 // --- Graphics ---
 
-void TCanvas::Draw(int32_t X, int32_t Y, TGraphic* Graphic, float Opacity) {
+void TCanvas::Draw(int32_t X, int32_t Y, const TGraphic* Graphic, float Opacity) {
   if (!Graphic) return;
   StretchDraw({X, Y, SatAdd(X, Graphic->Width()), SatAdd(Y, Graphic->Height())}, Graphic, Opacity);
 }
 
-void TCanvas::StretchDraw(const TRect& R, TGraphic* Graphic, float Opacity) {
+void TCanvas::StretchDraw(const TRect& R, const TGraphic* Graphic, float Opacity) {
   const TRect B{Safe(R.Left), Safe(R.Top), Safe(R.Right), Safe(R.Bottom)};
   if (!Graphic || Graphic->Empty() || B.IsEmpty() || !CanPaint()) return;
   if (std::isnan(Opacity) || Opacity <= 0) return;

@@ -8,7 +8,8 @@
 // - MoveTo/LineTo and Polyline do not paint their end point; 1-pixel lines along the axes are
 //   crisp, diagonals, curves, ellipses and text antialiased.
 // - Pen modes other than pmCopy, and DrawFocusRect, work on the RGB bytes of an image surface
-//   without antialiasing, so that pmXor and DrawFocusRect drawn twice give back the pixels.
+//   (ARGB32 or RGB24) without antialiasing, so that pmXor and DrawFocusRect drawn twice give
+//   back the pixels.
 // - Coordinates are clamped to +-SafeCoord before they reach Cairo; a rectangle with no area
 //   paints nothing.
 //
@@ -78,8 +79,8 @@ public:
 
   // --- Pixels ---
 
-  // The colour of one pixel of an image surface, alpha dropped; clNone outside the surface
-  // or on a vector surface.
+  // The colour of one pixel of an image surface, alpha dropped; clNone outside the surface,
+  // on a vector surface, or on an image of a format other than ARGB32 and RGB24.
   TColor Pixel(int32_t X, int32_t Y) const;
   // Sets one opaque pixel, inside the clip rectangle only.
   void SetPixel(int32_t X, int32_t Y, TColor Color);
@@ -146,8 +147,8 @@ public:
 
   // --- Graphics ---
 
-  void Draw(int32_t X, int32_t Y, TGraphic* Graphic, float Opacity = 1.0f);
-  void StretchDraw(const TRect& R, TGraphic* Graphic, float Opacity = 1.0f);
+  void Draw(int32_t X, int32_t Y, const TGraphic* Graphic, float Opacity = 1.0f);
+  void StretchDraw(const TRect& R, const TGraphic* Graphic, float Opacity = 1.0f);
 
   // --- Paths, for drawing helpers ---
 
@@ -219,6 +220,9 @@ private:
   cairo_surface_t* FSurface = nullptr;
   cairo_t* FCairo = nullptr;
   TCanvasSurfaceKind FKind = skOther;
+  // Pixels can be read and combined in place (an ARGB32 or RGB24 image; RGB24 has no alpha).
+  bool FDirectPixels = false;
+  bool FNoAlpha = false;
   std::string FFileName;
   bool FFinished = false;
   int32_t FWidth = 0;

@@ -66,6 +66,11 @@ using TComponentState = TSet<TComponentStateItem>;
 enum TCollectionNotification : uint8_t { cnAdded, cnExtracting, cnDeleting };
 KX_ENUM_NAMES(TCollectionNotification, "cnAdded", "cnExtracting", "cnDeleting")
 
+// Where a text stands across its room, in the platform's member order (stored defaults are
+// written as these numbers).
+enum TAlignment : uint8_t { taLeftJustify, taRightJustify, taCenter };
+KX_ENUM_NAMES(TAlignment, "taLeftJustify", "taRightJustify", "taCenter")
+
 // Naming and ownership errors of components.
 class EComponentError : public Exception {
 public:
@@ -476,6 +481,9 @@ protected:
   virtual void Update(TCollectionItem* Item);
   // Update(nullptr) unless inside BeginUpdate/EndUpdate.
   void Changed();
+  // Swaps the items at two positions in O(1) without telling anyone; a descendant that
+  // sorts its items tells the change itself. Raises EListError for a bad index.
+  void ExchangeItems(int32_t Index1, int32_t Index2);
 
 private:
   friend class TCollectionItem;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kxcharts/toolkit/KXStreaming.h"
+
 namespace kx {
 
 namespace {
@@ -112,6 +114,14 @@ void TPen::Assign(const TPersistent* Source) {
   inherited::Assign(Source);
 }
 
+void TPen::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TPen::Color, &TPen::SetColor, clBlack);
+  Filer.Property("Mode", this, &TPen::Mode, &TPen::SetMode, pmCopy);
+  Filer.Property("Style", this, &TPen::Style, &TPen::SetStyle, psSolid);
+  Filer.Property("Width", this, &TPen::Width, &TPen::SetWidth, 1);
+}
+
 // --- TBrush ---
 
 void TBrush::SetColor(TColor Value) {
@@ -137,6 +147,12 @@ void TBrush::Assign(const TPersistent* Source) {
     return;
   }
   inherited::Assign(Source);
+}
+
+void TBrush::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TBrush::Color, &TBrush::SetColor, clWhite);
+  Filer.Property("Style", this, &TBrush::Style, &TBrush::SetStyle, bsSolid);
 }
 
 // --- TFont ---
@@ -202,6 +218,15 @@ void TFont::Assign(const TPersistent* Source) {
     return;
   }
   inherited::Assign(Source);
+}
+
+void TFont::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Color", this, &TFont::Color, &TFont::SetColor, clWindowText);
+  Filer.Property("Height", this, &TFont::Height, &TFont::SetHeight, -11);
+  Filer.Property("Name", this, &TFont::Name, &TFont::SetName, std::string(DefaultName));
+  Filer.Property("Orientation", this, &TFont::Orientation, &TFont::SetOrientation, 0);
+  Filer.Property("Style", this, &TFont::Style, &TFont::SetStyle, TFontStyles{});
 }
 
 } // namespace kx

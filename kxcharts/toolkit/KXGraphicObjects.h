@@ -115,6 +115,10 @@ public:
 
   void Assign(const TPersistent* Source) override;
 
+protected:
+  // Color, Mode, Style, Width.
+  void DefineProperties(TFiler& Filer) override;
+
 private:
   TColor FColor = clBlack;
   int32_t FWidth = 1;
@@ -134,6 +138,10 @@ public:
   void SetStyle(TBrushStyle Value);
 
   void Assign(const TPersistent* Source) override;
+
+protected:
+  // Color, Style.
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   TColor FColor = clWhite;
@@ -172,6 +180,11 @@ public:
 
   // True when every attribute equals that of Other.
   bool SameAs(const TFont& Other) const;
+
+protected:
+  // Color, Height, Name, Orientation, Style: the height rather than the size, so that a
+  // font reads back to the very pixel height it was written with.
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   std::string FName = DefaultName;

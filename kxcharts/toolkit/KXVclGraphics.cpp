@@ -284,19 +284,28 @@ void AddOutline(cairo_t* Cr, TKXShapeStyle Base, const TRect& B, int32_t Pen) {
 
 // The rim of a lit shape: the band of width D inside the outline, cut into one facet per
 // edge, each shaded by how much it faces the light from the top left.
-void DrawRim(cairo_t* Cr, const std::vector<TPt>& P, double D, TColor Light, TColor Dark) {
+void DrawRim(cairo_t* Cr, bool Raster, const std::vector<TPt>& P, double D, TColor Light,
+             TColor Dark) {
   const size_t N = P.size();
   if (N < 3 || D <= 0) return;
   const std::vector<TPt> Normal = InwardNormals(P);
   const std::vector<TPt> Q = Inset(P, D);
   cairo_save(Cr);
-  // Only the band between the outline and its inset: the seams' strokes stay in it.
-  AddPolygon(Cr, P);
-  for (size_t I = 0; I < N; ++I)
-    (I == 0 ? cairo_move_to : cairo_line_to)(Cr, Q[I].X, Q[I].Y);
-  cairo_close_path(Cr);
-  cairo_set_fill_rule(Cr, CAIRO_FILL_RULE_EVEN_ODD);
-  cairo_clip(Cr);
+  if (Raster) {
+    // A group on a bitmap is as large as the clip: keep it to the shape.
+    double X0 = P[0].X, Y0 = P[0].Y, X1 = X0, Y1 = Y0;
+    for (const TPt& V : P)
+      X0 = std::min(X0, V.X), Y0 = std::min(Y0, V.Y), X1 = std::max(X1, V.X),
+      Y1 = std::max(Y1, V.Y);
+    cairo_new_path(Cr);
+    cairo_rectangle(Cr, std::floor(X0) - 1, std::floor(Y0) - 1, std::ceil(X1 - X0) + 3,
+                    std::ceil(Y1 - Y0) + 3);
+    cairo_clip(Cr);
+  }
+  // The facets go into one group, which then fills only the band between the outline and
+  // its inset, so that the strokes over the seams stay inside; a vector file holds the band
+  // once rather than once per facet.
+  cairo_push_group(Cr);
   cairo_set_line_width(Cr, 0.75);
   for (size_t I = 0; I < N; ++I) {
     const size_t J = (I + 1) % N;
@@ -313,6 +322,13 @@ void DrawRim(cairo_t* Cr, const std::vector<TPt>& P, double D, TColor Light, TCo
     cairo_fill_preserve(Cr);
     cairo_stroke(Cr); // covers the hairline seams between antialiased facets
   }
+  cairo_pop_group_to_source(Cr);
+  AddPolygon(Cr, P);
+  for (size_t I = 0; I < N; ++I)
+    (I == 0 ? cairo_move_to : cairo_line_to)(Cr, Q[I].X, Q[I].Y);
+  cairo_close_path(Cr);
+  cairo_set_fill_rule(Cr, CAIRO_FILL_RULE_EVEN_ODD);
+  cairo_fill(Cr);
   cairo_restore(Cr);
 }
 
@@ -359,8 +375,8 @@ TRect ShapeInnerRect(const TRect& R, TKXShapeStyle Style, int32_t PenWidth, int3
   return InnerRect(B, Base, std::max(0, PenWidth), Lit ? RimWidth(B, BevelWidth) : 0);
 }
 
-TRect DrawShape(TCanvas* Canvas, const TRect& R, TBitmap* Bitmap, TKXShapeStyle Style, bool Raised,
-                TColor Highlight, TColor Shadow, int32_t BevelWidth, float Opacity) {
+TRect DrawShape(TCanvas* Canvas, const TRect& R, const TBitmap* Bitmap, TKXShapeStyle Style,
+                bool Raised, TColor Highlight, TColor Shadow, int32_t BevelWidth, float Opacity) {
   bool Lit;
   TKXShapeStyle Base = BaseStyle(Style, Lit);
   const TRect B = Ordered(R);
@@ -375,9 +391,9 @@ TRect DrawShape(TCanvas* Canvas, const TRect& R, TBitmap* Bitmap, TKXShapeStyle 
     Canvas->StretchDraw(Picture, Bitmap);
     // A lit picture gets the rim of a lit rectangle over its edge, like a raised button.
     if (Lit && Rim > 0)
-      DrawRim(Canvas->Handle(), OutlinePolygon(shpRectangle, PenBox(Picture, 0)),
-              RimWidth(Picture, BevelWidth), Raised ? Highlight : Shadow,
-              Raised ? Shadow : Highlight);
+      DrawRim(Canvas->Handle(), Canvas->SurfaceKind() == skImage,
+              OutlinePolygon(shpRectangle, PenBox(Picture, 0)), RimWidth(Picture, BevelWidth),
+              Raised ? Highlight : Shadow, Raised ? Shadow : Highlight);
     return Inner;
   }
   if (!Lit || Rim == 0) {
@@ -402,11 +418,24 @@ TRect DrawShape(TCanvas* Canvas, const TRect& R, TBitmap* Bitmap, TKXShapeStyle 
   AddOutline(Cr, Base, B, Pen);
   Canvas->PaintPath(true, false, false);
   // The rim starts under the inner half of the pen, so that the outline covers its edge.
-  DrawRim(Cr, OutlinePolygon(Base, PenBox(B, 0)), Pen + Rim, Raised ? Highlight : Shadow,
-          Raised ? Shadow : Highlight);
+  DrawRim(Cr, Canvas->SurfaceKind() == skImage, OutlinePolygon(Base, PenBox(B, 0)), Pen + Rim,
+          Raised ? Highlight : Shadow, Raised ? Shadow : Highlight);
   AddOutline(Cr, Base, B, Pen);
   Canvas->PaintPath(false, true, false);
   return Inner;
+}
+
+TRect DrawShape(TCanvas* Canvas, const TRect& R, const TImageList* Images, int32_t ImageIndex,
+                TKXShapeStyle Style, TKXShapeStyle DefaultStyle, bool Raised, TColor Highlight,
+                TColor Shadow, int32_t BevelWidth) {
+  bool Lit;
+  if (BaseStyle(Style, Lit) == shpImage) {
+    if (const TBitmap* Image = Images ? Images->Image(ImageIndex) : nullptr)
+      return DrawShape(Canvas, R, Image, Style, Raised, Highlight, Shadow, BevelWidth, 1.0f);
+    Style = DefaultStyle;
+  }
+  return DrawShape(Canvas, R, static_cast<const TBitmap*>(nullptr), Style, Raised, Highlight,
+                   Shadow, BevelWidth, 1.0f);
 }
 
 // --- Text ---

@@ -74,8 +74,15 @@ KX_ENUM_NAMES(TKXShapeStyle, "shpRectangle", "shpEllipse", "shpImage", "shpDiamo
 // fitted into R and centred (a missing or empty bitmap draws the rectangle instead).
 // Answers the rectangle inside the shape, within its outline and rim, where a label or a
 // picture can go; empty for an empty R.
-TRect DrawShape(TCanvas* Canvas, const TRect& R, TBitmap* Bitmap, TKXShapeStyle Style, bool Raised,
-                TColor Highlight, TColor Shadow, int32_t BevelWidth, float Opacity = 1.0f);
+TRect DrawShape(TCanvas* Canvas, const TRect& R, const TBitmap* Bitmap, TKXShapeStyle Style,
+                bool Raised, TColor Highlight, TColor Shadow, int32_t BevelWidth,
+                float Opacity = 1.0f);
+// The same with the picture of shpImage (and of its lit form) taken from Images at
+// ImageIndex; without that image (no list, an index outside it) DefaultStyle is drawn
+// instead, and a default that is itself the image draws the rectangle.
+TRect DrawShape(TCanvas* Canvas, const TRect& R, const TImageList* Images, int32_t ImageIndex,
+                TKXShapeStyle Style, TKXShapeStyle DefaultStyle, bool Raised, TColor Highlight,
+                TColor Shadow, int32_t BevelWidth);
 // The rectangle DrawShape answers, without drawing.
 TRect ShapeInnerRect(const TRect& R, TKXShapeStyle Style, int32_t PenWidth, int32_t BevelWidth);
 

@@ -1,5 +1,8 @@
 #include "kxcharts/toolkit/KXBitmap.h"
 
+#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/KXVclGraphics.h"
+
 #include <fstream>
 #include <string>
 #include <vector>
@@ -139,6 +142,146 @@ TEST(Picture, AssignCopiesTheGraphicBothWays) {
   EXPECT_EQ(B->Graphic(), nullptr);
   EXPECT_NE(ErrorOf([&] { B->SaveToFile("/tmp/never-written.png"); }), "");
   EXPECT_THROW(Out->Assign(B.get()), EConvertError) << "an empty picture has no bitmap to give";
+}
+
+// --- Image lists ---
+
+TEST(ImageList, CutsStripsIntoImagesOfItsSizeAndDrawsThemByIndex) {
+  TOwned<TImageList> L(New<TImageList>(nullptr));
+  L->SetSize(4, 3);
+  TOwned<TBitmap> Strip = MakeBitmap(10, 5, clRed);
+  Strip->Canvas()->Brush()->SetColor(clBlue);
+  Strip->Canvas()->FillRect({4, 0, 8, 5});
+  EXPECT_EQ(L->Add(Strip.get()), 0);
+  EXPECT_EQ(L->Count(), 3) << "4 + 4 + a short piece of 2";
+  EXPECT_EQ(L->Add(nullptr), -1);
+  TOwned<TBitmap> Sheet = MakeBitmap(20, 10);
+  L->Draw(Sheet->Canvas(), 1, 1, 1);
+  EXPECT_EQ(test::PaintedBounds(Sheet.get()), (TRect{1, 1, 5, 4}));
+  EXPECT_EQ(Sheet->Canvas()->Pixel(2, 2), clBlue);
+  L->Draw(Sheet->Canvas(), 10, 1, 2);
+  EXPECT_EQ(Sheet->Canvas()->Pixel(12, 2), clWhite) << "the padding is transparent";
+  EXPECT_EQ(Sheet->Canvas()->Pixel(11, 2), clRed);
+  const auto Before = test::PixelBytes(Sheet.get());
+  L->Draw(Sheet->Canvas(), 0, 0, 3);
+  L->Draw(Sheet->Canvas(), 0, 0, -1);
+  EXPECT_EQ(test::PixelBytes(Sheet.get()), Before) << "no image, nothing drawn";
+  L->Draw(Sheet->Canvas(), 15, 5, 1, false);
+  const TColor Grey = Sheet->Canvas()->Pixel(16, 6);
+  EXPECT_TRUE(GetRValue(Grey) == GetGValue(Grey) && GetGValue(Grey) == GetBValue(Grey))
+      << "a disabled image is grey";
+  EXPECT_THROW(L->Delete(3), EListError);
+  L->Delete(0);
+  EXPECT_EQ(L->Count(), 2);
+  L->SetWidth(8);
+  EXPECT_EQ(L->Count(), 0) << "a new size empties the list";
+}
+
+TEST(ImageList, MaskedImagesAndShapesDrawnFromTheList) {
+  TOwned<TImageList> L(New<TImageList>(nullptr));
+  L->SetSize(10, 10);
+  TOwned<TBitmap> Icon = MakeBitmap(10, 10, clLime);
+  Icon->Canvas()->Brush()->SetColor(clNavy);
+  Icon->Canvas()->FillRect({3, 3, 7, 7});
+  ASSERT_EQ(L->AddMasked(Icon.get(), clLime), 0);
+  TOwned<TBitmap> Sheet = MakeBitmap(40, 20);
+  TCanvas* C = Sheet->Canvas();
+  C->Brush()->SetColor(clRed);
+  DrawShape(C, {0, 0, 10, 10}, L.get(), 0, shpImage, shpEllipse, true, clWhite, clGray, 3);
+  EXPECT_EQ(test::PaintedBounds(Sheet.get()), (TRect{3, 3, 7, 7})) << "lime left out";
+  DrawShape(C, {20, 0, 40, 20}, L.get(), 5, shpImage, shpEllipse, true, clWhite, clGray, 3);
+  EXPECT_EQ(C->Pixel(30, 10), clRed) << "no such image: the default style";
+  EXPECT_EQ(C->Pixel(20, 0), clWhite) << "an ellipse, not a rectangle";
+  TOwned<TBitmap> Other = MakeBitmap(30, 30);
+  DrawShape(Other->Canvas(), {0, 0, 30, 30}, nullptr, -1, shpImage, shpImage, true, clWhite, clGray,
+            3);
+  EXPECT_EQ(Other->Canvas()->Pixel(0, 15), clBlack) << "a default that is the image: rectangle";
+}
+
+// --- Stored forms ---
+
+class TGfxHolder : public TComponent {
+  KX_CLASS(TGfxHolder, TComponent)
+public:
+  explicit TGfxHolder(TComponent* Owner)
+      : TComponent(Owner), FPen(MakeOwned<TPen>()), FBrush(MakeOwned<TBrush>()),
+        FFont(MakeOwned<TFont>()), FPicture(MakeOwned<TPicture>()) {}
+  TPen* Pen() const { return FPen.get(); }
+  TBrush* Brush() const { return FBrush.get(); }
+  TFont* Font() const { return FFont.get(); }
+  TPicture* Picture() const { return FPicture.get(); }
+  TImageList* Images() const { return FImages; }
+  void SetImages(TImageList* V) {
+    if (FImages) RemoveFreeNotification(FImages);
+    FImages = V;
+    if (V) FreeNotification(V);
+  }
+
+protected:
+  void Notification(TComponent* C, TOperation Op) override {
+    inherited::Notification(C, Op);
+    if (Op == opRemove && C == FImages) FImages = nullptr;
+  }
+  void DefineProperties(TFiler& Filer) override {
+    inherited::DefineProperties(Filer);
+    Filer.Property("Pen", this, &TGfxHolder::Pen);
+    Filer.Property("Brush", this, &TGfxHolder::Brush);
+    Filer.Property("Font", this, &TGfxHolder::Font);
+    Filer.Property("Picture", this, &TGfxHolder::Picture);
+    Filer.Property("Images", this, &TGfxHolder::Images, &TGfxHolder::SetImages);
+  }
+
+private:
+  TOwned<TPen> FPen;
+  TOwned<TBrush> FBrush;
+  TOwned<TFont> FFont;
+  TOwned<TPicture> FPicture;
+  TImageList* FImages = nullptr;
+};
+
+TEST(StoredGraphics, FormsCarryPensBrushesFontsPicturesAndImageLists) {
+  RegisterGraphicsClasses();
+  RegisterClasses({ClassOf<TGfxHolder>()});
+  TOwned<TGfxHolder> Form(New<TGfxHolder>(nullptr));
+  Form->SetName("Form1");
+  Form->Pen()->SetColor(clRed);
+  Form->Pen()->SetWidth(3);
+  Form->Pen()->SetStyle(psDot);
+  Form->Brush()->SetColor(clAqua);
+  Form->Brush()->SetStyle(bsClear);
+  Form->Font()->SetName("DejaVu Serif");
+  Form->Font()->SetSize(13);
+  Form->Font()->SetStyle({fsBold, fsUnderline});
+  Form->Font()->SetOrientation(90);
+  Form->Picture()->Bitmap()->Assign(MakeBitmap(3, 2, clGreen).get());
+  TImageList* Images = New<TImageList>(Form.get());
+  Images->SetName("Images1");
+  Images->SetSize(2, 2);
+  Images->Add(MakeBitmap(4, 2, clYellow).get());
+  Form->SetImages(Images);
+  const std::string Json = SaveFormToString(Form.get());
+  EXPECT_EQ(Json.find("\"Mode\""), std::string::npos) << "defaults stay out";
+
+  TOwned<TGfxHolder> Copy(New<TGfxHolder>(nullptr));
+  LoadFormFromString(Copy.get(), Json);
+  EXPECT_EQ(Copy->Pen()->Color(), clRed);
+  EXPECT_EQ(Copy->Pen()->Width(), 3);
+  EXPECT_EQ(Copy->Pen()->Style(), psDot);
+  EXPECT_EQ(Copy->Brush()->Color(), clAqua);
+  EXPECT_EQ(Copy->Brush()->Style(), bsClear) << "the style is read after the colour";
+  EXPECT_TRUE(Copy->Font()->SameAs(*Form->Font()));
+  ASSERT_EQ(Copy->Picture()->Width(), 3);
+  EXPECT_EQ(Copy->Picture()->Bitmap()->Canvas()->Pixel(2, 1), clGreen);
+  ASSERT_NE(Copy->Images(), nullptr);
+  EXPECT_EQ(Copy->Images()->Count(), 2);
+  EXPECT_EQ(Copy->Images()->Width(), 2);
+  EXPECT_EQ(Copy->Images()->Image(1)->Canvas()->Pixel(1, 1), clYellow);
+
+  std::string Bad = Json;
+  const size_t At = Bad.find("\"Data\": \"") + 9;
+  Bad.replace(At, 4, "!!!!");
+  TOwned<TGfxHolder> Broken(New<TGfxHolder>(nullptr));
+  EXPECT_THROW(LoadFormFromString(Broken.get(), Bad), Exception);
 }
 
 } // namespace

@@ -450,6 +450,30 @@ TEST(Canvas, ABitmapKeepsItsCanvasAcrossSizes) {
   EXPECT_EQ(B->Canvas()->Pixel(49, 29), clRed);
 }
 
+TEST(Canvas, BindsToForeignImageSurfacesWithoutLosingItsSettings) {
+  TOwned<TCanvas> C = MakeOwned<TCanvas>();
+  C->Pen()->SetColor(clRed);
+  C->Pen()->SetMode(pmXor);
+  EXPECT_EQ(C->TextExtent("x").cy > 0, true) << "an unbound canvas still measures";
+  cairo_surface_t* Rgb = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 20, 10);
+  C->Bind(Rgb);
+  cairo_surface_destroy(Rgb); // the canvas keeps its own reference
+  C->MoveTo(0, 5);
+  C->LineTo(20, 5);
+  EXPECT_EQ(C->Pixel(3, 5), clRed) << "black XOR red; RGB24 has no alpha to divide by";
+  C->MoveTo(0, 5);
+  C->LineTo(20, 5);
+  EXPECT_EQ(C->Pixel(3, 5), clBlack);
+  cairo_surface_t* Mask = cairo_image_surface_create(CAIRO_FORMAT_A8, 20, 10);
+  C->Bind(Mask);
+  cairo_surface_destroy(Mask);
+  EXPECT_EQ(C->Pen()->Color(), clRed);
+  C->MoveTo(0, 5);
+  C->LineTo(20, 5); // paints as pmCopy: the bytes cannot be combined in place
+  C->DrawFocusRect({0, 0, 10, 10});
+  EXPECT_EQ(C->Pixel(3, 5), clNone);
+}
+
 // --- Vector output ---
 
 void DrawSample(TCanvas* C) {

@@ -1,0 +1,279 @@
+// The elements sheet: the graphic elements a panel paints besides its charts. Labels in
+// every alignment and at several angles, shadows in every direction, the gradient in every
+// direction, image areas in every placement, headers and footers.
+#include <string>
+
+#include "apps/gallery/KXGallery.h"
+#include "kxcharts/core/KXChartGraphic.h"
+
+namespace kx::gallery {
+
+namespace {
+
+constexpr TColor Ink = static_cast<TColor>(0x403830);
+constexpr TColor Frame = static_cast<TColor>(0xC8C0B8);
+constexpr TColor Thing = static_cast<TColor>(0xD8A05A);
+constexpr TColor Caption = static_cast<TColor>(0x505050);
+constexpr int32_t SheetWidth = 1200;
+
+struct TGrid {
+  int32_t Left, Top, CellW, CellH, Columns;
+  TRect Cell(int I) const {
+    const int32_t X = Left + (I % Columns) * CellW, Y = Top + (I / Columns) * CellH;
+    return {X, Y, X + CellW, Y + CellH};
+  }
+  TRect Body(int I) const {
+    const TRect C = Cell(I);
+    return {C.Left + 12, C.Top + 8, C.Right - 12, C.Bottom - 24};
+  }
+  int32_t Bottom(int Count) const { return Top + ((Count + Columns - 1) / Columns) * CellH; }
+};
+
+void Reset(TCanvas* C) {
+  C->Pen()->SetColor(Ink);
+  C->Pen()->SetWidth(1);
+  C->Pen()->SetStyle(psSolid);
+  C->Brush()->SetColor(Thing);
+  C->Brush()->SetStyle(bsSolid);
+  C->Font()->SetSize(8);
+  C->Font()->SetColor(Caption);
+  C->Font()->SetStyle({});
+  C->Font()->SetOrientation(0);
+}
+
+void CaptionUnder(TCanvas* C, const TGrid& G, int I, const std::string& Text) {
+  const TRect Cell = G.Cell(I);
+  Reset(C);
+  C->Brush()->SetStyle(bsClear);
+  DrawTextLabel(C, Text, DT_CENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX,
+                {Cell.Left + 2, Cell.Bottom - 20, Cell.Right - 2, Cell.Bottom - 4});
+  Reset(C);
+}
+
+// A thin frame just outside R, so that the reader sees the rectangle an element was given.
+void Outline(TCanvas* C, const TRect& R) {
+  C->Brush()->SetColor(Frame);
+  C->FrameRect({R.Left - 1, R.Top - 1, R.Right + 1, R.Bottom + 1});
+  Reset(C);
+}
+
+int32_t SectionTitle(TCanvas* C, int32_t Y, const std::string& Title) {
+  Reset(C);
+  C->Brush()->SetStyle(bsClear);
+  C->Font()->SetSize(12);
+  C->Font()->SetStyle({fsBold});
+  C->Font()->SetColor(Ink);
+  C->TextOut(20, Y, Title);
+  const int32_t H = C->TextHeight(Title);
+  C->Pen()->SetColor(clSilver);
+  C->MoveTo(20, Y + H + 3);
+  C->LineTo(SheetWidth - 20, Y + H + 3);
+  Reset(C);
+  return Y + H + 10;
+}
+
+// A small landscape: sky, hills and a sun, with a magenta corner that a transparent
+// picture leaves out (the bottom left pixel names the transparent colour).
+TOwned<TBitmap> Landscape(int32_t W, int32_t H) {
+  TOwned<TBitmap> B = MakeOwned<TBitmap>();
+  B->SetSize(W, H);
+  TCanvas* C = B->Canvas();
+  DirectionGradient(C, {0, 0, W, H}, {RGBToColor(0x87, 0xCE, 0xEB), clWhite}, gdTopToBottom, 1);
+  C->Pen()->SetStyle(psClear);
+  C->Brush()->SetColor(RGBToColor(0x4C, 0xAF, 0x50));
+  const TPoint Hill[] = {{0, H},         {0, H * 2 / 3},     {W / 3, H * 3 / 8},
+                         {W / 2, H / 2}, {W * 3 / 4, H / 3}, {W, H * 2 / 3},
+                         {W, H}};
+  C->Polygon(Hill);
+  C->Brush()->SetColor(RGBToColor(0xFF, 0xC1, 0x07));
+  C->Ellipse(W * 2 / 3, H / 10, W * 2 / 3 + H / 4, H / 10 + H / 4);
+  C->Brush()->SetColor(clFuchsia);
+  C->FillRect({0, H - H / 4, W / 4, H});
+  return B;
+}
+
+// --- Labels ---
+
+int32_t PaintLabels(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Labels: alignment by angle (the frame is the rectangle given)");
+  const TAlignment Alignments[] = {taLeftJustify, taCenter, taRightJustify};
+  const int32_t Angles[] = {0, 45, 90, 180, 270, -30};
+  const TGrid G{20, Y, 193, 130, 6};
+  int I = 0;
+  for (TAlignment A : Alignments)
+    for (int32_t Angle : Angles) {
+      const TRect R = G.Body(I);
+      Outline(C, R);
+      auto Label = MakeOwned<TKXChartLabel>();
+      Label->SetText("Label text");
+      Label->Font()->SetSize(11);
+      Label->Font()->SetColor(Ink);
+      Label->SetAngle(Angle);
+      Label->SetAlignment(A);
+      Label->Draw(C, R);
+      CaptionUnder(C, G, I, GetEnumName(A) + ", " + std::to_string(Angle) + " degrees");
+      ++I;
+    }
+  return G.Bottom(I) + 6;
+}
+
+// --- Shadows ---
+
+int32_t PaintShadows(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Shadows: every direction, three shapes, a thick pen, half opacity");
+  const TKXShadowDirection Directions[] = {sdBottomRight, sdBottomLeft, sdTopRight, sdTopLeft};
+  const TKXShapeStyle Styles[] = {shpRectangle, shpEllipse, shpStar3D};
+  const TGrid G{20, Y, 96, 120, 12};
+  int I = 0;
+  for (TKXShadowDirection D : Directions)
+    for (TKXShapeStyle S : Styles) {
+      const TRect R = G.Body(I);
+      auto Shadow = MakeOwned<TKXChartShadow>();
+      Shadow->SetDirection(D);
+      Shadow->SetSize(6);
+      if (S == shpEllipse) Shadow->Brush()->SetColor(clGray);
+      const float Opacity = S == shpStar3D ? 0.5f : 1.0f;
+      // The shadow pass: the shadow first, then the thing beside it.
+      Shadow->Draw(C, R, S, Opacity);
+      Reset(C);
+      if (S == shpRectangle) C->Pen()->SetWidth(3);
+      DrawShape(C, Shadow->NonShadowRect(R, true, C), nullptr, S, true, clBtnHighlight, clBtnShadow,
+                3);
+      CaptionUnder(C, G, I, GetEnumName(D).substr(2));
+      ++I;
+    }
+  return G.Bottom(I) + 6;
+}
+
+// --- Gradients ---
+
+int32_t PaintGradients(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Gradients: every direction; the last one coarse and half opaque");
+  const TGrid G{20, Y, 116, 100, 10};
+  int I = 0;
+  for (int D = 0; D < TEnumCount<TGradientDirection>; ++D) {
+    auto Gradient = MakeOwned<TKXChartGradient>();
+    Gradient->SetDirection(static_cast<TGradientDirection>(D));
+    if (D % 2) {
+      Gradient->SetStartColor(RGBToColor(0x1F, 0x66, 0xCC));
+      Gradient->SetEndColor(RGBToColor(0xE3, 0xEE, 0xFB));
+    }
+    Gradient->Draw(C, G.Body(I));
+    CaptionUnder(C, G, I, GetEnumName(static_cast<TGradientDirection>(D)).substr(2));
+    ++I;
+  }
+  for (int Extra = 0; Extra < 1; ++Extra) {
+    auto Gradient = MakeOwned<TKXChartGradient>();
+    Gradient->SetDirection(gdLeftToRight);
+    Gradient->SetCoarseness(8);
+    Gradient->SetOpacity(0.5f);
+    Gradient->SetStartColor(clRed);
+    Gradient->SetEndColor(clBlue);
+    Gradient->Draw(C, G.Body(I));
+    CaptionUnder(C, G, I, "Coarse, half opaque");
+    ++I;
+  }
+  return G.Bottom(I) + 6;
+}
+
+// --- Image areas ---
+
+int32_t PaintImageAreas(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Image areas: a small (60 x 40) and a large (240 x 120) picture");
+  struct TCase {
+    TImageOptions Options;
+    bool Large;
+    const char* Name;
+  };
+  const TCase Cases[] = {
+      {{}, false, "[] small"},
+      {{ioCenter}, false, "[ioCenter] small"},
+      {{ioCenter, ioProportional}, false, "[ioCenter, ioProportional] small"},
+      {{ioCenter, ioProportional}, true, "[ioCenter, ioProportional] large"},
+      {{ioProportional}, true, "[ioProportional] large"},
+      {{ioStretch}, false, "[ioStretch]"},
+      {{ioTile}, false, "[ioTile]"},
+      {{ioTile, ioProportional}, true, "[ioTile, ioProportional] large"},
+      {{ioCenter, ioTransparent}, false, "[ioCenter, ioTransparent]"},
+      {{ioTile, ioTransparent}, false, "[ioTile, ioTransparent]"},
+  };
+  const TGrid G{20, Y, 232, 150, 5};
+  auto Small = Landscape(60, 40);
+  auto Large = Landscape(240, 120);
+  int I = 0;
+  for (const TCase& K : Cases) {
+    const TRect R = G.Body(I);
+    Reset(C);
+    C->Brush()->SetColor(RGBToColor(0xF0, 0xF0, 0xF0));
+    C->FillRect(R);
+    Outline(C, R);
+    auto Area = MakeOwned<TKXChartImageArea>();
+    Area->Image()->SetGraphic(K.Large ? Large.get() : Small.get());
+    Area->SetImageOptions({});
+    Area->SetImageOptions(K.Options);
+    Area->Draw(C, R);
+    CaptionUnder(C, G, I, K.Name);
+    ++I;
+  }
+  return G.Bottom(I) + 6;
+}
+
+// --- Headers ---
+
+int32_t PaintHeaders(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Headers and footers: alignment, a picture band, a larger font");
+  const TGrid G{20, Y, 385, 170, 3};
+  auto PanelFont = MakeOwned<TFont>();
+  PanelFont->SetSize(11);
+  auto Banner = Landscape(120, 30);
+  const TAlignment Alignments[] = {taLeftJustify, taCenter, taRightJustify};
+  for (int I = 0; I < 3; ++I) {
+    const TRect R = G.Body(I);
+    Reset(C);
+    C->Brush()->SetColor(clWhite);
+    C->FillRect(R);
+    Outline(C, R);
+    auto Header = MakeOwned<TKXChartHeader>(PanelFont.get(), true);
+    auto Footer = MakeOwned<TKXChartHeader>(PanelFont.get(), false);
+    Header->SetText("Chart header");
+    Footer->SetText("Footer text");
+    Header->SetAlignment(Alignments[I]);
+    Footer->SetAlignment(Alignments[I]);
+    if (I == 1) {
+      Header->Image()->SetGraphic(Banner.get());
+      Header->SetHeight(40);
+      Header->Font()->SetStyle({fsBold});
+      Footer->Brush()->SetColor(RGBToColor(0xFF, 0xF3, 0xCD));
+    }
+    if (I == 2) {
+      Header->Font()->SetSize(16);
+      Header->SetHeight(36);
+    }
+    Header->Draw(C, R);
+    Footer->Draw(C, R);
+    CaptionUnder(C, G, I, GetEnumName(Alignments[I]) + (I == 1 ? ", picture band" : ""));
+  }
+  return G.Bottom(3) + 6;
+}
+
+void PaintElements(TCanvas* C, const TRect& Area) {
+  Reset(C);
+  C->Brush()->SetColor(clWhite);
+  C->FillRect(Area);
+  int32_t Y = 16;
+  Y = PaintLabels(C, Y);
+  Y = PaintShadows(C, Y);
+  Y = PaintGradients(C, Y);
+  Y = PaintImageAreas(C, Y);
+  PaintHeaders(C, Y);
+}
+
+} // namespace
+
+void AddElementsSheets(std::vector<TGallerySheet>& Sheets) {
+  Sheets.push_back({"elements",
+                    "Graphic elements: labels, shadows, gradients, image areas, headers",
+                    SheetWidth, 1270, PaintElements});
+}
+
+} // namespace kx::gallery

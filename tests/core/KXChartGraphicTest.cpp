@@ -1,0 +1,732 @@
+#include "kxcharts/core/KXChartGraphic.h"
+
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "kxcharts/toolkit/KXGraphics.h"
+#include "kxcharts/toolkit/KXStreaming.h"
+#include "tests/support/KXBitmapProbe.h"
+
+namespace kx {
+
+namespace {
+
+// Counts the change reports of an element.
+struct TChangeCounter {
+  int Count = 0;
+  void Attach(TKXChartGraphic* G) {
+    G->SetOnChange([this](TObject*) { ++Count; });
+  }
+};
+
+TOwned<TBitmap> SolidPicture(int32_t W, int32_t H, TColor Color) {
+  return test::MakeBitmap(W, H, Color);
+}
+
+// --- The base: opacity, visibility, the drawing shape ---
+
+struct TOpacityCase {
+  float Set;
+  float Expected;
+  int Changes;
+};
+
+void PrintTo(const TOpacityCase& C, std::ostream* Os) {
+  *Os << C.Set;
+}
+
+class ChartGraphicOpacity : public ::testing::TestWithParam<TOpacityCase> {};
+
+TEST_P(ChartGraphicOpacity, IsClampedAndReportedWhenTheAskedValueDiffers) {
+  auto Area = MakeOwned<TKXChartGraphicArea>();
+  TChangeCounter C;
+  C.Attach(Area.get());
+  Area->SetOpacity(GetParam().Set);
+  EXPECT_FLOAT_EQ(Area->Opacity(), GetParam().Expected);
+  EXPECT_EQ(C.Count, GetParam().Changes);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, ChartGraphicOpacity,
+    ::testing::Values(TOpacityCase{2.0f, 1.0f, 1}, TOpacityCase{-1.0f, 0.0f, 1},
+                      TOpacityCase{0.25f, 0.25f, 1}, TOpacityCase{1.0f, 1.0f, 0},
+                      TOpacityCase{std::numeric_limits<float>::quiet_NaN(), 0.0f, 1},
+                      TOpacityCase{std::numeric_limits<float>::infinity(), 1.0f, 1}));
+
+TEST(ChartGraphic, VisibleReportsOnlyARealChange) {
+  auto Area = MakeOwned<TKXChartGraphicArea>();
+  TChangeCounter C;
+  C.Attach(Area.get());
+  Area->SetVisible(true);
+  EXPECT_EQ(C.Count, 0);
+  Area->SetVisible(false);
+  EXPECT_EQ(C.Count, 1);
+}
+
+TEST(ChartGraphic, ChangesOfTheBrushAndPenReachTheOwner) {
+  auto Area = MakeOwned<TKXChartGraphicArea>();
+  TChangeCounter C;
+  C.Attach(Area.get());
+  Area->Brush()->SetColor(clRed);
+  Area->Pen()->SetWidth(3);
+  EXPECT_EQ(C.Count, 2);
+  EXPECT_EQ(MakeOwned<TKXChartGraphicArea>()->Brush()->Color(), clBtnFace);
+}
+
+TEST(ChartGraphic, AnEmptyRectangleDrawsNothingButOnDrawingMayOverrule) {
+  auto B = test::MakeBitmap(40, 40);
+  auto Shadow = MakeOwned<TKXChartShadow>();
+  std::vector<bool> Asked;
+  int Drawn = 0;
+  Shadow->SetOnDrawing(
+      [&](TObject*, TCanvas*, const TRect&, bool& DoDraw) { Asked.push_back(DoDraw); });
+  Shadow->SetOnDraw([&](TObject*, TCanvas*, const TRect&) { ++Drawn; });
+  for (TRect R : {TRect{10, 10, 10, 30}, TRect{10, 30, 30, 10}, TRect{INT32_MIN, 0, INT32_MAX, 0}})
+    Shadow->Draw(B->Canvas(), R);
+  EXPECT_EQ(Asked, std::vector<bool>({false, false, false}));
+  EXPECT_EQ(Drawn, 0);
+  EXPECT_EQ(test::CountPainted(B.get()), 0);
+
+  Shadow->SetOnDrawing([](TObject*, TCanvas*, const TRect&, bool& DoDraw) { DoDraw = false; });
+  Shadow->Draw(B->Canvas(), {0, 0, 30, 30});
+  EXPECT_EQ(test::CountPainted(B.get()), 0);
+  EXPECT_EQ(Drawn, 0);
+}
+
+TEST(ChartGraphic, DrawingSetsTheCanvasUpBeforeTheHandlerRuns) {
+  auto B = test::MakeBitmap(10, 10);
+  auto Area = MakeOwned<TKXChartGraphicArea>();
+  Area->Brush()->SetColor(clLime);
+  Area->Pen()->SetColor(clNavy);
+  TColor SeenBrush = clNone, SeenPen = clNone;
+  Area->SetOnDrawing([&](TObject*, TCanvas* C, const TRect&, bool&) {
+    SeenBrush = C->Brush()->Color();
+    SeenPen = C->Pen()->Color();
+  });
+  Area->Draw(B->Canvas(), {0, 0, 5, 5});
+  EXPECT_EQ(SeenBrush, clLime);
+  EXPECT_EQ(SeenPen, clNavy);
+  EXPECT_THROW(Area->Draw(nullptr, {0, 0, 5, 5}), Exception);
+}
+
+TEST(ChartGraphic, FreeingReportsNoChange) {
+  auto* Label = New<TKXChartLabel>();
+  bool Reported = false;
+  Label->SetOnChange([&](TObject*) { Reported = true; });
+  Label->Free();
+  EXPECT_FALSE(Reported);
+}
+
+// --- Labels ---
+
+TEST(ChartLabel, AngleIsKeptModulo360AndTurnsTheFont) {
+  auto Label = MakeOwned<TKXChartLabel>();
+  TChangeCounter C;
+  C.Attach(Label.get());
+  Label->SetAngle(450);
+  EXPECT_EQ(Label->Angle(), 90);
+  EXPECT_EQ(Label->Font()->Orientation(), 90);
+  Label->SetAngle(-90);
+  EXPECT_EQ(Label->Angle(), -90);
+  EXPECT_EQ(Label->Font()->Orientation(), 270);
+  const int Before = C.Count;
+  Label->SetAngle(-90); // equal: no change, the font turned again only
+  EXPECT_EQ(C.Count, Before);
+}
+
+TEST(ChartLabel, SetFontKeepsTheLabelsAngle) {
+  auto Label = MakeOwned<TKXChartLabel>();
+  Label->SetAngle(90);
+  auto F = MakeOwned<TFont>();
+  F->SetSize(20);
+  Label->SetFont(F.get());
+  EXPECT_EQ(Label->Font()->Size(), 20);
+  EXPECT_EQ(Label->Font()->Orientation(), 90);
+  EXPECT_EQ(MakeOwned<TKXChartLabel>()->Font()->Color(), clBlack);
+}
+
+TEST(ChartLabel, HiddenOrEmptyPaintsNothingYetRaisesOnDraw) {
+  auto B = test::MakeBitmap(80, 40);
+  int Drawn = 0;
+  for (int Case = 0; Case < 3; ++Case) {
+    auto Label = MakeOwned<TKXChartLabel>();
+    Label->SetText(Case == 1 ? "" : "Text");
+    if (Case == 0) Label->SetVisible(false);
+    if (Case == 2) Label->SetOpacity(0);
+    Label->SetOnDraw([&](TObject*, TCanvas*, const TRect&) { ++Drawn; });
+    Label->Draw(B->Canvas(), {0, 0, 80, 40});
+  }
+  EXPECT_EQ(Drawn, 3);
+  EXPECT_EQ(test::CountPainted(B.get()), 0);
+}
+
+TEST(ChartLabel, WritesOnlyTheTextWhateverBrushTheCanvasHas) {
+  auto B = test::MakeBitmap(120, 40);
+  B->Canvas()->Brush()->SetColor(clLime);
+  auto Label = MakeOwned<TKXChartLabel>();
+  Label->SetText("Text");
+  Label->Draw(B->Canvas(), {0, 0, 120, 40});
+  EXPECT_GT(test::CountPainted(B.get()), 10);
+  EXPECT_EQ(test::CountPixels(B.get(), [](TColor C) { return C == clLime; }), 0);
+}
+
+struct TAlignCase {
+  TAlignment Alignment;
+  int32_t Angle;
+};
+
+void PrintTo(const TAlignCase& C, std::ostream* Os) {
+  *Os << GetEnumName(C.Alignment) << " at " << C.Angle;
+}
+
+class ChartLabelAlignment : public ::testing::TestWithParam<TAlignCase> {};
+
+// The text lands in the box that the alignment gives its rotated extent.
+TEST_P(ChartLabelAlignment, PutsTheRotatedTextBoxWhereTheAlignmentSays) {
+  const TRect R{20, 30, 220, 190};
+  auto B = test::MakeBitmap(240, 220);
+  auto Label = MakeOwned<TKXChartLabel>();
+  Label->SetText("Wg Label");
+  Label->Font()->SetSize(14);
+  Label->SetAngle(GetParam().Angle);
+  Label->SetAlignment(GetParam().Alignment);
+  Label->Draw(B->Canvas(), R);
+
+  B->Canvas()->SetFont(Label->Font());
+  const TSize S = GetRotatedTextExtent(B->Canvas(), Label->Angle(), "Wg Label");
+  TPoint Box;
+  switch (GetParam().Alignment) {
+  case taLeftJustify:
+    Box = {R.Left, R.Top};
+    break;
+  case taRightJustify:
+    Box = {R.Right - S.cx, R.Top};
+    break;
+  default:
+    Box = {120 - S.cx / 2, 110 - S.cy / 2};
+  }
+  const TRect Painted = test::PaintedBounds(B.get());
+  ASSERT_FALSE(Painted.IsEmpty());
+  // Ink lies within the box (antialiasing may reach one pixel out), and fills most of it.
+  EXPECT_GE(Painted.Left, Box.X - 1);
+  EXPECT_GE(Painted.Top, Box.Y - 1);
+  EXPECT_LE(Painted.Right, Box.X + S.cx + 1);
+  EXPECT_LE(Painted.Bottom, Box.Y + S.cy + 1);
+  EXPECT_GT(Painted.Width() * 10, S.cx * 5);
+  EXPECT_GT(Painted.Height() * 10, S.cy * 5);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllAlignmentsAndAngles, ChartLabelAlignment,
+                         ::testing::Values(TAlignCase{taLeftJustify, 0},
+                                           TAlignCase{taRightJustify, 0}, TAlignCase{taCenter, 0},
+                                           TAlignCase{taLeftJustify, 90},
+                                           TAlignCase{taRightJustify, 90}, TAlignCase{taCenter, 90},
+                                           TAlignCase{taCenter, 270}, TAlignCase{taLeftJustify, 45},
+                                           TAlignCase{taCenter, 180}));
+
+// --- Shadow ---
+
+struct TShadowCase {
+  TKXShadowDirection Direction;
+  TRect Free;
+  TRect Constrained;
+  TRect Thing;
+};
+
+void PrintTo(const TShadowCase& C, std::ostream* Os) {
+  *Os << GetEnumName(C.Direction);
+}
+
+class ChartShadowRects : public ::testing::TestWithParam<TShadowCase> {};
+
+TEST_P(ChartShadowRects, ShadowAndThingFillTheRectangleTogether) {
+  auto Shadow = MakeOwned<TKXChartShadow>();
+  Shadow->SetDirection(GetParam().Direction);
+  const TRect R{0, 0, 100, 100};
+  EXPECT_EQ(Shadow->ShadowRect(R, false), GetParam().Free);
+  EXPECT_EQ(Shadow->ShadowRect(R, true), GetParam().Constrained);
+  EXPECT_EQ(Shadow->NonShadowRect(R, true), GetParam().Thing);
+  EXPECT_EQ(Shadow->NonShadowRect(R, false), R);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryDirection, ChartShadowRects,
+    ::testing::Values(
+        TShadowCase{sdBottomRight, {3, 3, 103, 103}, {3, 3, 100, 100}, {0, 0, 97, 97}},
+        TShadowCase{sdBottomLeft, {-3, 3, 97, 103}, {0, 3, 97, 100}, {3, 0, 100, 97}},
+        TShadowCase{sdTopRight, {3, -3, 103, 97}, {3, 0, 100, 97}, {0, 3, 97, 100}},
+        TShadowCase{sdTopLeft, {-3, -3, 97, 97}, {0, 0, 97, 97}, {3, 3, 100, 100}}));
+
+TEST(ChartShadow, AThickPenCastsALongerShadow) {
+  auto B = test::MakeBitmap(4, 4);
+  auto Shadow = MakeOwned<TKXChartShadow>();
+  B->Canvas()->Pen()->SetWidth(2);
+  EXPECT_EQ(Shadow->ShadowRect({0, 0, 100, 100}, false, B->Canvas()), (TRect{4, 4, 104, 104}));
+  B->Canvas()->Pen()->SetWidth(0); // the hairline paints one pixel wide
+  EXPECT_EQ(Shadow->ShadowRect({0, 0, 100, 100}, false, B->Canvas()), (TRect{3, 3, 103, 103}));
+}
+
+TEST(ChartShadow, HugeRectanglesAndOffsetsSaturate) {
+  auto Shadow = MakeOwned<TKXChartShadow>();
+  Shadow->SetSize(INT32_MAX);
+  const TRect R = Shadow->ShadowRect({0, 0, INT32_MAX, INT32_MAX}, false);
+  EXPECT_EQ(R.Right, INT32_MAX);
+  Shadow->SetDirection(sdTopLeft);
+  EXPECT_EQ(Shadow->ShadowRect({INT32_MIN, INT32_MIN, 0, 0}, false).Left, INT32_MIN);
+}
+
+TEST(ChartShadow, ImageStyleIsStoredAsRectangle) {
+  auto Shadow = MakeOwned<TKXChartShadow>();
+  Shadow->SetStyle(shpEllipse);
+  EXPECT_EQ(Shadow->Style(), shpEllipse);
+  Shadow->SetStyle(shpImage);
+  EXPECT_EQ(Shadow->Style(), shpRectangle);
+}
+
+TEST(ChartShadow, PaintsItsBrushOnTheConstrainedShadowOnly) {
+  auto B = test::MakeBitmap(80, 80);
+  auto Shadow = MakeOwned<TKXChartShadow>();
+  Shadow->Draw(B->Canvas(), {10, 10, 60, 60});
+  EXPECT_EQ(test::PaintedBounds(B.get()), (TRect{13, 13, 60, 60}));
+  EXPECT_EQ(B->Canvas()->Pixel(40, 40), clBlack);
+}
+
+TEST(ChartShadow, StyledDrawPutsStyleAndOpacityBackAlsoWhenAHandlerRaises) {
+  auto B = test::MakeBitmap(80, 80);
+  auto Shadow = MakeOwned<TKXChartShadow>();
+  Shadow->SetOpacity(0.8f);
+  float SeenOpacity = -1;
+  Shadow->SetOnDraw([&](TObject*, TCanvas*, const TRect&) { SeenOpacity = Shadow->Opacity(); });
+  Shadow->Draw(B->Canvas(), {10, 10, 70, 70}, shpEllipse3D, 1.0f);
+  EXPECT_FLOAT_EQ(SeenOpacity, 1.0f);
+  EXPECT_EQ(Shadow->Style(), shpRectangle);
+  EXPECT_FLOAT_EQ(Shadow->Opacity(), 0.8f);
+  // An ellipse: the corners of the shadow rectangle stay white, its middle is black.
+  EXPECT_EQ(B->Canvas()->Pixel(14, 14), clWhite);
+  EXPECT_EQ(B->Canvas()->Pixel(41, 41), clBlack);
+
+  Shadow->SetOnDrawing([](TObject*, TCanvas*, const TRect&, bool&) { throw Exception("no"); });
+  EXPECT_THROW(Shadow->Draw(B->Canvas(), {0, 0, 10, 10}, shpDiamond, 0.5f), Exception);
+  EXPECT_EQ(Shadow->Style(), shpRectangle);
+  EXPECT_FLOAT_EQ(Shadow->Opacity(), 0.8f);
+}
+
+// --- Gradient ---
+
+TEST(ChartGradient, StartsVisibleYellowToWhiteFromTheTop) {
+  auto G = MakeOwned<TKXChartGradient>();
+  G->SetCoarseness(0);
+  EXPECT_EQ(G->Coarseness(), 1);
+  G->SetCoarseness(-7);
+  EXPECT_EQ(G->Coarseness(), 1);
+  auto B = test::MakeBitmap(20, 100, clBlack);
+  G->Draw(B->Canvas(), {0, 0, 20, 100});
+  EXPECT_TRUE(test::Near(B->Canvas()->Pixel(10, 0), clYellow, 6));
+  EXPECT_TRUE(test::Near(B->Canvas()->Pixel(10, 99), clWhite, 6));
+  EXPECT_TRUE(test::Near(B->Canvas()->Pixel(10, 50), RGBToColor(255, 255, 128), 8));
+}
+
+// --- Image area ---
+
+TEST(ChartImageArea, NewlySwitchedOnOptionsWin) {
+  struct TCase {
+    TImageOptions From, To, Expected;
+  };
+  const TCase Cases[] = {
+      {{ioCenter, ioProportional}, {ioCenter, ioProportional, ioTile}, {ioProportional, ioTile}},
+      {{ioCenter, ioProportional}, {ioCenter, ioProportional, ioStretch}, {ioStretch}},
+      {{ioStretch}, {ioStretch, ioProportional}, {ioProportional}},
+      {{ioTile}, {ioTile, ioCenter}, {ioCenter}},
+      {{ioStretch}, {ioStretch, ioTile}, {ioTile}},
+      {{ioTile, ioProportional},
+       {ioTile, ioProportional, ioTransparent},
+       {ioTile, ioProportional, ioTransparent}},
+      {{ioCenter, ioProportional}, {}, {}},
+  };
+  for (const TCase& C : Cases) {
+    auto A = MakeOwned<TKXChartImageArea>();
+    A->SetImageOptions(C.From);
+    ASSERT_EQ(A->ImageOptions(), C.From);
+    A->SetImageOptions(C.To);
+    EXPECT_EQ(A->ImageOptions().Bits(), C.Expected.Bits()) << "to " << C.To.Bits();
+  }
+}
+
+struct TDestCase {
+  int32_t W, H;
+  TImageOptions Options;
+  TRect Expected;
+};
+
+void PrintTo(const TDestCase& C, std::ostream* Os) {
+  *Os << C.W << " x " << C.H << " [";
+  for (TImageOption O : C.Options)
+    *Os << " " << GetEnumName(O);
+  *Os << " ]";
+}
+
+class ChartImageAreaDestRect : public ::testing::TestWithParam<TDestCase> {};
+
+TEST_P(ChartImageAreaDestRect, PlacesThePictureByItsOptions) {
+  auto A = MakeOwned<TKXChartImageArea>();
+  auto Pic = SolidPicture(GetParam().W, GetParam().H, clRed);
+  A->Image()->SetGraphic(Pic.get());
+  A->SetImageOptions({});
+  A->SetImageOptions(GetParam().Options);
+  ASSERT_EQ(A->ImageOptions(), GetParam().Options);
+  EXPECT_EQ(A->DestRect({10, 20, 110, 120}), GetParam().Expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryCombination, ChartImageAreaDestRect,
+    ::testing::Values(
+        // its own size, at the top left or centred
+        TDestCase{40, 20, {}, {10, 20, 50, 40}}, TDestCase{40, 20, {ioCenter}, {40, 60, 80, 80}},
+        // proportional and smaller keeps the picture's size
+        TDestCase{40, 20, {ioProportional}, {10, 20, 50, 40}},
+        TDestCase{40, 20, {ioCenter, ioProportional}, {40, 60, 80, 80}},
+        // proportional and larger fits the rectangle at the picture's proportions
+        TDestCase{200, 100, {ioProportional}, {10, 20, 110, 70}},
+        TDestCase{200, 100, {ioCenter, ioProportional}, {10, 45, 110, 95}},
+        TDestCase{100, 300, {ioCenter, ioProportional}, {43, 20, 76, 120}},
+        TDestCase{150, 150, {ioCenter, ioProportional}, {10, 20, 110, 120}},
+        // stretched fills the rectangle
+        TDestCase{40, 20, {ioStretch}, {10, 20, 110, 120}},
+        TDestCase{200, 100, {ioStretch, ioTransparent}, {10, 20, 110, 120}},
+        // tiles take the picture's size
+        TDestCase{40, 20, {ioTile}, {10, 20, 50, 40}},
+        TDestCase{40, 20, {ioTile, ioProportional}, {10, 20, 50, 40}},
+        TDestCase{400, 200, {ioTile, ioProportional}, {10, 20, 110, 70}}));
+
+TEST(ChartImageArea, DestRectOfAnEmptyOrInvertedRectangleIsDefined) {
+  auto A = MakeOwned<TKXChartImageArea>();
+  auto Pic = SolidPicture(30, 10, clRed);
+  A->Image()->SetGraphic(Pic.get());
+  EXPECT_EQ(A->DestRect({0, 0, 0, 0}), (TRect{0, 0, 0, 0}));
+  A->SetImageOptions({});
+  EXPECT_EQ(A->DestRect({INT32_MIN, 0, INT32_MAX, 100}), (TRect{INT32_MIN, 0, INT32_MIN + 30, 10}));
+  auto None = MakeOwned<TKXChartImageArea>();
+  EXPECT_EQ(None->DestRect({0, 0, 100, 100}), (TRect{50, 50, 50, 50}));
+}
+
+TEST(ChartImageArea, TransparencyFollowsTheOptionWhateverComesFirst) {
+  auto A = MakeOwned<TKXChartImageArea>();
+  auto Pic = SolidPicture(4, 4, clRed);
+  A->Image()->SetGraphic(Pic.get());
+  EXPECT_FALSE(A->Image()->Graphic()->Transparent());
+  A->SetImageOptions(A->ImageOptions() + ioTransparent);
+  EXPECT_TRUE(A->Image()->Graphic()->Transparent());
+  A->Image()->SetGraphic(Pic.get()); // a new picture takes the option too
+  EXPECT_TRUE(A->Image()->Graphic()->Transparent());
+}
+
+TEST(ChartImageArea, TilesCoverTheRectangleAndStayInIt) {
+  auto B = test::MakeBitmap(60, 60);
+  auto A = MakeOwned<TKXChartImageArea>();
+  auto Pic = SolidPicture(10, 7, clRed);
+  A->Image()->SetGraphic(Pic.get());
+  A->SetImageOptions({ioTile});
+  const TRect R{5, 5, 38, 31};
+  A->Draw(B->Canvas(), R);
+  EXPECT_EQ(test::CountPixels(B.get(), R, [](TColor C) { return C == clRed; }), 33 * 26);
+  EXPECT_EQ(test::PaintedBounds(B.get()), R);
+}
+
+TEST(ChartImageArea, TilingAHugeRectangleCostsOnlyTheVisibleTiles) {
+  auto B = test::MakeBitmap(30, 30);
+  auto Pic = SolidPicture(1, 1, clBlue);
+  // 2^62 tiles in all; only the 900 on the bitmap are drawn.
+  TKXChartGraphic::TiledDraw(B->Canvas(), {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, Pic.get(),
+                             INT32_MIN, INT32_MIN);
+  EXPECT_EQ(test::CountPixels(B.get(), [](TColor C) { return C == clBlue; }), 900);
+  auto Nothing = test::MakeBitmap(10, 10);
+  TKXChartGraphic::TiledDraw(Nothing->Canvas(), {0, 0, 10, 10}, Pic.get(), 0, 5, 0, 0);
+  TKXChartGraphic::TiledDraw(Nothing->Canvas(), {0, 0, 10, 10}, Pic.get(), TRect{0, 0, 4, -4});
+  EXPECT_EQ(test::CountPainted(Nothing.get()), 0);
+}
+
+TEST(ChartImageArea, CentredPictureIsStretchedIntoItsDestination) {
+  auto B = test::MakeBitmap(100, 100);
+  auto A = MakeOwned<TKXChartImageArea>();
+  auto Pic = SolidPicture(200, 100, clGreen);
+  A->Image()->SetGraphic(Pic.get());
+  A->Draw(B->Canvas(), {0, 0, 100, 100});
+  EXPECT_EQ(test::PaintedBounds(B.get()), (TRect{0, 25, 100, 75}));
+}
+
+// --- Header ---
+
+TEST(ChartHeader, StartsStretchedClearAndThreeFontSizesHigh) {
+  auto H = MakeOwned<TKXChartHeader>();
+  EXPECT_EQ(H->ImageOptions(), TImageOptions{ioStretch});
+  EXPECT_EQ(H->Height(), 3 * H->Font()->Size());
+  EXPECT_EQ(H->Height(), 24);
+  EXPECT_EQ(H->Brush()->Style(), bsClear);
+  EXPECT_EQ(H->Alignment(), taCenter);
+}
+
+TEST(ChartHeader, HeightIsAtLeastTheFontHeight) {
+  auto H = MakeOwned<TKXChartHeader>();
+  H->Font()->SetHeight(30); // a cell height of 30 pixels
+  H->SetHeight(12);
+  EXPECT_EQ(H->Height(), 30);
+  H->SetHeight(40);
+  EXPECT_EQ(H->Height(), 40);
+}
+
+TEST(ChartHeader, FontFollowsThePanelsFontAndKeepsItsColour) {
+  auto PanelFont = MakeOwned<TFont>();
+  PanelFont->SetName("DejaVu Serif");
+  PanelFont->SetSize(10);
+  auto Header = MakeOwned<TKXChartHeader>(PanelFont.get(), true);
+  auto Footer = MakeOwned<TKXChartHeader>(PanelFont.get(), false);
+  EXPECT_TRUE(Header->IsHeader());
+  EXPECT_FALSE(Footer->IsHeader());
+  EXPECT_EQ(Header->Font()->Name(), "DejaVu Serif");
+  EXPECT_EQ(Header->Font()->Color(), clBlue);
+  EXPECT_EQ(Footer->Font()->Color(), clRed);
+  Header->Font()->SetStyle({fsBold});
+
+  // What the panel does when its font changes.
+  PanelFont->SetName("DejaVu Sans Mono");
+  PanelFont->SetSize(12);
+  PanelFont->SetColor(clGreen);
+  TChangeCounter C;
+  C.Attach(Header.get());
+  Header->Font()->ChangeBaseFont(PanelFont.get());
+  EXPECT_EQ(C.Count, 1);
+  EXPECT_EQ(Header->Font()->Name(), "DejaVu Sans Mono");
+  EXPECT_EQ(Header->Font()->Size(), 12);
+  EXPECT_EQ(Header->Font()->Color(), clBlue);
+  EXPECT_EQ(Header->Font()->Style(), TFontStyles{fsBold});
+}
+
+TEST(ChartHeader, HeaderAndFooterPaintTheirTextInTheirBand) {
+  for (bool IsHeader : {true, false}) {
+    auto B = test::MakeBitmap(200, 120);
+    auto H = MakeOwned<TKXChartHeader>(nullptr, IsHeader);
+    H->SetText("Title");
+    H->Draw(B->Canvas(), {0, 0, 200, 120});
+    const TRect P = test::PaintedBounds(B.get());
+    ASSERT_FALSE(P.IsEmpty());
+    const TRect Band = IsHeader ? TRect{0, 0, 200, 24} : TRect{0, 96, 200, 120};
+    EXPECT_GE(P.Top, Band.Top);
+    EXPECT_LE(P.Bottom, Band.Bottom);
+    EXPECT_NEAR((P.Left + P.Right) / 2, 100, 2);
+    const TColor Ink = IsHeader ? clBlue : clRed;
+    EXPECT_GT(test::CountPixels(B.get(), [&](TColor C) { return test::Near(C, Ink, 60); }), 5);
+  }
+}
+
+TEST(ChartHeader, TextIsClippedToTheBandAndAlignedByAlignment) {
+  auto B = test::MakeBitmap(200, 100);
+  auto H = MakeOwned<TKXChartHeader>(nullptr, true);
+  H->SetText("Left");
+  H->Font()->SetSize(30); // taller than the band of 24
+  H->SetAlignment(taLeftJustify);
+  H->Draw(B->Canvas(), {10, 10, 190, 90});
+  const TRect P = test::PaintedBounds(B.get());
+  EXPECT_GE(P.Top, 10);
+  EXPECT_LE(P.Bottom, 34);
+  EXPECT_LE(P.Left, 14);
+
+  auto R = test::MakeBitmap(200, 100);
+  H->SetAlignment(taRightJustify);
+  H->Font()->SetSize(8);
+  H->Draw(R->Canvas(), {10, 10, 190, 90});
+  EXPECT_GE(test::PaintedBounds(R.get()).Right, 186);
+  EXPECT_LE(test::PaintedBounds(R.get()).Right, 190);
+}
+
+TEST(ChartHeader, PictureFillsTheBand) {
+  auto B = test::MakeBitmap(100, 100);
+  auto H = MakeOwned<TKXChartHeader>(nullptr, false);
+  auto Pic = SolidPicture(5, 5, clTeal);
+  H->Image()->SetGraphic(Pic.get());
+  H->Draw(B->Canvas(), {0, 0, 100, 100});
+  EXPECT_EQ(test::PaintedBounds(B.get()), (TRect{0, 76, 100, 100}));
+}
+
+// --- Assign and Clone ---
+
+TEST(ChartGraphicAssign, ShadowCopiesSizeAndDirectionButNotStyle) {
+  auto A = MakeOwned<TKXChartShadow>();
+  A->SetSize(7);
+  A->SetDirection(sdTopLeft);
+  A->SetStyle(shpStar);
+  A->SetVisible(false);
+  A->SetOpacity(0.5f);
+  A->Brush()->SetColor(clGray);
+  auto B = MakeOwned<TKXChartShadow>();
+  TChangeCounter C;
+  C.Attach(B.get());
+  B->Assign(A.get());
+  EXPECT_EQ(B->Size(), 7);
+  EXPECT_EQ(B->Direction(), sdTopLeft);
+  EXPECT_EQ(B->Style(), shpRectangle);
+  EXPECT_FALSE(B->Visible());
+  EXPECT_FLOAT_EQ(B->Opacity(), 0.5f);
+  EXPECT_EQ(B->Brush()->Color(), clGray);
+  EXPECT_EQ(C.Count, 1); // the brush reported its own change; Assign added none
+}
+
+TEST(ChartGraphicAssign, AcrossKindsOnlyVisibilityAndOpacityTravel) {
+  auto G = MakeOwned<TKXChartGradient>();
+  G->SetVisible(false);
+  G->SetOpacity(0.3f);
+  auto L = MakeOwned<TKXChartLabel>();
+  L->SetText("kept");
+  L->Assign(G.get());
+  EXPECT_FALSE(L->Visible());
+  EXPECT_FLOAT_EQ(L->Opacity(), 0.3f);
+  EXPECT_EQ(L->Text(), "kept");
+  auto F = MakeOwned<TFont>();
+  try {
+    L->Assign(F.get());
+    FAIL() << "a font is not a label";
+  } catch (const EConvertError& E) {
+    EXPECT_EQ(E.Message(), "Cannot assign a TFont to a TKXChartLabel");
+  }
+}
+
+TEST(ChartGraphicAssign, HeaderCopiesAllButWhichBandItIs) {
+  auto A = MakeOwned<TKXChartHeader>(nullptr, true);
+  A->SetText("Sales");
+  A->SetAngle(90);
+  A->SetAlignment(taRightJustify);
+  A->SetHeight(40);
+  A->SetWidth(77);
+  A->SetImageOptions({ioTile});
+  auto Pic = SolidPicture(3, 2, clRed);
+  A->Image()->SetGraphic(Pic.get());
+  auto Footer = MakeOwned<TKXChartHeader>(nullptr, false);
+  Footer->Assign(A.get());
+  EXPECT_FALSE(Footer->IsHeader());
+  EXPECT_EQ(Footer->Text(), "Sales");
+  EXPECT_EQ(Footer->Angle(), 90);
+  EXPECT_EQ(Footer->Font()->Orientation(), 90);
+  EXPECT_EQ(Footer->Font()->Color(), clBlue);
+  EXPECT_EQ(Footer->Alignment(), taRightJustify);
+  EXPECT_EQ(Footer->Height(), 40);
+  EXPECT_EQ(Footer->Width(), 77);
+  EXPECT_EQ(Footer->ImageOptions(), TImageOptions{ioTile});
+  EXPECT_EQ(Footer->Image()->Width(), 3);
+}
+
+TEST(ChartGraphicClone, MakesTheSameKindWithTheSameSettings) {
+  auto L = MakeOwned<TKXChartLabel>();
+  L->SetText("Axis");
+  L->SetAngle(270);
+  L->Font()->SetColor(clMaroon);
+  TOwned<TKXChartGraphic> C = L->Clone();
+  ASSERT_TRUE(Is<TKXChartLabel>(C.get()));
+  auto* Copy = static_cast<TKXChartLabel*>(C.get());
+  EXPECT_EQ(Copy->Text(), "Axis");
+  EXPECT_EQ(Copy->Angle(), 270);
+  EXPECT_EQ(Copy->Font()->Color(), clMaroon);
+  auto G = MakeOwned<TKXChartGradient>();
+  G->SetStartColor(clNavy);
+  EXPECT_EQ(static_cast<TKXChartGradient*>(G->Clone().get())->StartColor(), clNavy);
+}
+
+// --- Stored properties ---
+
+class TElementsForm : public TComponent {
+  KX_CLASS(TElementsForm, TComponent)
+public:
+  using TComponent::TComponent;
+  TKXChartHeader* Header() const { return FHeader.get(); }
+  TKXChartShadow* Shadow() const { return FShadow.get(); }
+  TKXChartGradient* Gradient() const { return FGradient.get(); }
+  TKXChartLabel* Title() const { return FTitle.get(); }
+  TKXChartLabelMetaData* Labels() const { return FLabels.get(); }
+
+protected:
+  void DefineProperties(TFiler& Filer) override {
+    inherited::DefineProperties(Filer);
+    Filer.Property("Header", this, &TElementsForm::Header);
+    Filer.Property("Shadow", this, &TElementsForm::Shadow);
+    Filer.Property("Gradient", this, &TElementsForm::Gradient);
+    Filer.Property("Title", this, &TElementsForm::Title);
+    Filer.Property("Labels", this, &TElementsForm::Labels);
+  }
+
+private:
+  TOwned<TKXChartHeader> FHeader = MakeOwned<TKXChartHeader>(nullptr, true);
+  TOwned<TKXChartShadow> FShadow = MakeOwned<TKXChartShadow>();
+  TOwned<TKXChartGradient> FGradient = MakeOwned<TKXChartGradient>();
+  TOwned<TKXChartLabel> FTitle = MakeOwned<TKXChartLabel>();
+  TOwned<TKXChartLabelMetaData> FLabels = MakeOwned<TKXChartLabelMetaData>();
+};
+
+TEST(ChartGraphicStreaming, ElementsRoundTripWithPictureAndFonts) {
+  RegisterClasses({ClassOf<TElementsForm>()});
+  auto Form = MakeOwned<TElementsForm>(nullptr);
+  Form->SetName("Form1");
+  Form->Header()->SetText("Quarterly");
+  Form->Header()->Font()->SetColor(clWindowText); // equal to a fresh font's: still stored
+  Form->Header()->Brush()->SetColor(clWhite);
+  Form->Header()->SetImageOptions({ioTile, ioTransparent});
+  auto Pic = SolidPicture(3, 2, RGBToColor(10, 20, 30));
+  Form->Header()->Image()->SetGraphic(Pic.get());
+  Form->Shadow()->SetSize(6);
+  Form->Shadow()->SetDirection(sdTopRight);
+  Form->Gradient()->SetDirection(gdRadial);
+  Form->Gradient()->SetVisible(false);
+  Form->Title()->SetText("Volume");
+  Form->Title()->SetAngle(90);
+  Form->Labels()->SetAlignment(taLeftJustify);
+  Form->Labels()->SetOpacity(0.5f);
+  const std::string Json = SaveFormToString(Form.get());
+  EXPECT_EQ(Json.find("\"Coarseness\""), std::string::npos) << "defaults stay out";
+
+  auto Copy = MakeOwned<TElementsForm>(nullptr);
+  LoadFormFromString(Copy.get(), Json);
+  EXPECT_EQ(Copy->Header()->Text(), "Quarterly");
+  EXPECT_EQ(Copy->Header()->Font()->Color(), clWindowText);
+  EXPECT_EQ(Copy->Header()->Brush()->Color(), clWhite);
+  EXPECT_EQ(Copy->Header()->Brush()->Style(), bsSolid);
+  EXPECT_EQ(Copy->Header()->ImageOptions(), (TImageOptions{ioTile, ioTransparent}));
+  ASSERT_NE(Copy->Header()->Image()->Graphic(), nullptr);
+  EXPECT_EQ(Copy->Header()->Image()->Width(), 3);
+  EXPECT_EQ(Copy->Header()->Image()->Bitmap()->Canvas()->Pixel(2, 1), RGBToColor(10, 20, 30));
+  EXPECT_TRUE(Copy->Header()->Image()->Graphic()->Transparent());
+  EXPECT_EQ(Copy->Shadow()->Size(), 6);
+  EXPECT_EQ(Copy->Shadow()->Direction(), sdTopRight);
+  EXPECT_EQ(Copy->Gradient()->Direction(), gdRadial);
+  EXPECT_FALSE(Copy->Gradient()->Visible());
+  EXPECT_EQ(Copy->Title()->Text(), "Volume");
+  EXPECT_EQ(Copy->Title()->Angle(), 90);
+  EXPECT_EQ(Copy->Title()->Font()->Orientation(), 90);
+  EXPECT_EQ(Copy->Labels()->Alignment(), taLeftJustify);
+  EXPECT_FLOAT_EQ(Copy->Labels()->Opacity(), 0.5f);
+  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
+}
+
+TEST(ChartGraphicStreaming, BadPictureDataIsRefusedByName) {
+  RegisterClasses({ClassOf<TElementsForm>()});
+  auto Form = MakeOwned<TElementsForm>(nullptr);
+  Form->SetName("Form1");
+  auto Pic = SolidPicture(2, 2, clRed);
+  Form->Header()->Image()->SetGraphic(Pic.get());
+  std::string Json = SaveFormToString(Form.get());
+  const size_t At = Json.find("\"Data\": \"") + 9;
+  Json.replace(At, 4, "!!!!");
+  auto Copy = MakeOwned<TElementsForm>(nullptr);
+  try {
+    LoadFormFromString(Copy.get(), Json);
+    FAIL() << "bad base64 was read";
+  } catch (const EFilerError& E) {
+    EXPECT_NE(E.Message().find("Header.Image.Data"), std::string::npos) << E.Message();
+  }
+  EXPECT_EQ(Copy->Header()->Image()->Graphic(), nullptr);
+}
+
+} // namespace
+
+} // namespace kx
