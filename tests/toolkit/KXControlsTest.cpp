@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "kxcharts/toolkit/KXForms.h"
 #include "kxcharts/toolkit/KXStreaming.h"
 #include "tests/support/KXBitmapProbe.h"
 
@@ -437,16 +438,9 @@ TEST(WinControl, ControlAtPosTakesTheTopmostThatAcceptsTheMouse) {
 
 // --- Persistence ---
 
-class TTestForm : public TWinControl {
-  KX_CLASS(TTestForm, TWinControl)
-public:
-  using TWinControl::TWinControl;
-};
-
 TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
-  RegisterControlClasses();
-  RegisterClass(ClassOf<TTestForm>());
-  TOwned<TTestForm> Form = MakeOwned<TTestForm>(nullptr);
+  RegisterFormClasses();
+  TOwned<TForm> Form = MakeOwned<TForm>(nullptr);
   Form->SetName("Form1");
   Form->SetBounds(0, 0, 300, 200);
   auto* P = New<TPanel>(Form.get());
@@ -460,6 +454,7 @@ TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
   P->SetAlignment(taRightJustify);
   P->SetColor(clYellow);
   P->SetAlign(alTop);
+  P->Font()->SetSize(12);
   auto* Box = New<TPaintBox>(Form.get());
   Box->SetName("Box1");
   Box->SetParent(P);
@@ -470,7 +465,7 @@ TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
   Loose->SetName("Loose");
 
   const std::string Json = SaveFormToString(Form.get());
-  TOwned<TTestForm> Copy = MakeOwned<TTestForm>(nullptr);
+  TOwned<TForm> Copy = MakeOwned<TForm>(nullptr);
   LoadFormFromString(Copy.get(), Json);
   auto* P2 = dynamic_cast<TPanel*>(Copy->FindComponent("Panel1"));
   auto* Box2 = dynamic_cast<TPaintBox*>(Copy->FindComponent("Box1"));
@@ -485,6 +480,10 @@ TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
   EXPECT_EQ(P2->Alignment(), taRightJustify);
   EXPECT_EQ(P2->Color(), clYellow);
   EXPECT_EQ(P2->Align(), alTop);
+  EXPECT_EQ(P2->Font()->Size(), 12);
+  EXPECT_FALSE(P2->ParentFont());
+  EXPECT_TRUE(Box2->ParentFont()) << "a font taken from the parent is not stored as the box's own";
+  EXPECT_EQ(Box2->Font()->Size(), 12);
   EXPECT_EQ(Box2->Parent(), P2);
   EXPECT_EQ(Box2->BoundsRect(), (TRect{4, 5, 4, 12}));
   EXPECT_FALSE(Box2->Visible());
