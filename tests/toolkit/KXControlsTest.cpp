@@ -189,6 +189,10 @@ TEST(GraphicControl, StickingOutOfItsParentIsClippedToTheParent) {
   Box->SetBounds(-10, 90, 30, 30);
   P->Repaint();
   EXPECT_EQ(test::PaintedBounds(P->Bitmap()), (TRect{0, 90, 20, 100}));
+  // Outside Paint too, the box's own coordinates land where the box is.
+  EXPECT_EQ(Box->Canvas()->Width(), 30);
+  Box->Canvas()->SetPixel(15, 5, clBlue);
+  EXPECT_EQ(P->Canvas()->Pixel(5, 95), clBlue);
 }
 
 TEST(GraphicControl, HiddenOrParentlessPaintsNothingAnywhere) {
@@ -245,6 +249,34 @@ TEST(WinControl, InvalidateManyTimesThenUpdatePaintsOnce) {
   EXPECT_FALSE(P->NeedsPaint());
   P->Repaint();
   EXPECT_EQ(P->Paints, 3) << "Repaint paints whatever was invalidated";
+}
+
+TEST(WinControl, APaintThatThrowsLeavesCanvasesClean) {
+  TOwned<TPanel> P = PlainPanel();
+  auto* Box = New<TPaintBox>(P.get());
+  Box->SetParent(P.get());
+  bool Fail = true;
+  Box->SetOnPaint([&](TObject*) {
+    Box->Canvas()->SetClipRect({0, 0, 5, 5});
+    if (Fail) throw Exception("paint failed");
+    Box->Canvas()->RestoreClipRect();
+  });
+  EXPECT_THROW(P->Repaint(), Exception);
+  EXPECT_FALSE(P->NeedsPaint()) << "the area counts as painted, so that the error shows once";
+  EXPECT_EQ(P->Canvas()->LayerDepth(), 0);
+  Fail = false;
+  Box->Canvas()->RestoreClipRect(); // the handler's own clip is its own to take back
+  P->Repaint();
+  EXPECT_EQ(Box->Canvas()->LayerDepth(), 0);
+  TOwned<TBitmap> Out = test::MakeBitmap(200, 100);
+  EXPECT_THROW(
+      {
+        Fail = true;
+        P->PaintTo(Out->Canvas(), 0, 0);
+      },
+      Exception);
+  EXPECT_EQ(Box->Canvas()->Width(), 105) << "PaintTo gives the canvases back to the bitmaps";
+  EXPECT_EQ(P->Canvas()->Surface(), P->Bitmap()->Surface());
 }
 
 TEST(WinControl, AGraphicChildsInvalidateMarksOnlyItsArea) {
