@@ -25,6 +25,7 @@ void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesyste
 
 // The sheets of each area of the library, added in the order the index shows them.
 void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
+void AddControlsSheets(std::vector<TGallerySheet>& Sheets);
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
   }
   std::vector<kx::gallery::TGallerySheet> Sheets;
   kx::gallery::AddToolkitSheets(Sheets);
+  kx::gallery::AddControlsSheets(Sheets);
   kx::gallery::AddElementsSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);

@@ -246,10 +246,16 @@ void TCanvas::Bind(cairo_surface_t* Surface, int32_t Width, int32_t Height) {
   FDirectPixels = FNoAlpha = false;
   switch (cairo_surface_get_type(Surface)) {
   case CAIRO_SURFACE_TYPE_IMAGE: {
+    const cairo_format_t Format = cairo_image_surface_get_format(Surface);
+    // A view of part of an image (cairo_surface_create_for_rectangle) reports the image's
+    // type but has no pixels of its own: it draws like any other surface, at the size given.
+    if (Format == CAIRO_FORMAT_INVALID) {
+      FKind = skOther;
+      break;
+    }
     FKind = skImage;
     Width = cairo_image_surface_get_width(Surface);
     Height = cairo_image_surface_get_height(Surface);
-    const cairo_format_t Format = cairo_image_surface_get_format(Surface);
     FDirectPixels = Format == CAIRO_FORMAT_ARGB32 || Format == CAIRO_FORMAT_RGB24;
     FNoAlpha = Format == CAIRO_FORMAT_RGB24;
     break;

@@ -70,6 +70,9 @@ KX_ENUM_NAMES(TCollectionNotification, "cnAdded", "cnExtracting", "cnDeleting")
 // written as these numbers).
 enum TAlignment : uint8_t { taLeftJustify, taRightJustify, taCenter };
 KX_ENUM_NAMES(TAlignment, "taLeftJustify", "taRightJustify", "taCenter")
+// The same down its room.
+enum TVerticalAlignment : uint8_t { taAlignTop, taAlignBottom, taVerticalCenter };
+KX_ENUM_NAMES(TVerticalAlignment, "taAlignTop", "taAlignBottom", "taVerticalCenter")
 
 // Naming and ownership errors of components.
 class EComponentError : public Exception {

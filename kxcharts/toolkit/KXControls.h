@@ -96,9 +96,6 @@ inline constexpr TCursor crSizeAll = -22;
 enum TAlign : uint8_t { alNone, alTop, alBottom, alLeft, alRight, alClient, alCustom };
 KX_ENUM_NAMES(TAlign, "alNone", "alTop", "alBottom", "alLeft", "alRight", "alClient", "alCustom")
 
-enum TVerticalAlignment : uint8_t { taAlignTop, taAlignBottom, taVerticalCenter };
-KX_ENUM_NAMES(TVerticalAlignment, "taAlignTop", "taAlignBottom", "taVerticalCenter")
-
 enum TBevelCut : uint8_t { bvNone, bvLowered, bvRaised, bvSpace };
 KX_ENUM_NAMES(TBevelCut, "bvNone", "bvLowered", "bvRaised", "bvSpace")
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "kxcharts/toolkit/KXForms.h"
 #include "kxcharts/toolkit/KXStreaming.h"
 #include "tests/support/KXBitmapProbe.h"
 
@@ -188,6 +189,10 @@ TEST(GraphicControl, StickingOutOfItsParentIsClippedToTheParent) {
   Box->SetBounds(-10, 90, 30, 30);
   P->Repaint();
   EXPECT_EQ(test::PaintedBounds(P->Bitmap()), (TRect{0, 90, 20, 100}));
+  // Outside Paint too, the box's own coordinates land where the box is.
+  EXPECT_EQ(Box->Canvas()->Width(), 30);
+  Box->Canvas()->SetPixel(15, 5, clBlue);
+  EXPECT_EQ(P->Canvas()->Pixel(5, 95), clBlue);
 }
 
 TEST(GraphicControl, HiddenOrParentlessPaintsNothingAnywhere) {
@@ -244,6 +249,34 @@ TEST(WinControl, InvalidateManyTimesThenUpdatePaintsOnce) {
   EXPECT_FALSE(P->NeedsPaint());
   P->Repaint();
   EXPECT_EQ(P->Paints, 3) << "Repaint paints whatever was invalidated";
+}
+
+TEST(WinControl, APaintThatThrowsLeavesCanvasesClean) {
+  TOwned<TPanel> P = PlainPanel();
+  auto* Box = New<TPaintBox>(P.get());
+  Box->SetParent(P.get());
+  bool Fail = true;
+  Box->SetOnPaint([&](TObject*) {
+    Box->Canvas()->SetClipRect({0, 0, 5, 5});
+    if (Fail) throw Exception("paint failed");
+    Box->Canvas()->RestoreClipRect();
+  });
+  EXPECT_THROW(P->Repaint(), Exception);
+  EXPECT_FALSE(P->NeedsPaint()) << "the area counts as painted, so that the error shows once";
+  EXPECT_EQ(P->Canvas()->LayerDepth(), 0);
+  Fail = false;
+  Box->Canvas()->RestoreClipRect(); // the handler's own clip is its own to take back
+  P->Repaint();
+  EXPECT_EQ(Box->Canvas()->LayerDepth(), 0);
+  TOwned<TBitmap> Out = test::MakeBitmap(200, 100);
+  EXPECT_THROW(
+      {
+        Fail = true;
+        P->PaintTo(Out->Canvas(), 0, 0);
+      },
+      Exception);
+  EXPECT_EQ(Box->Canvas()->Width(), 105) << "PaintTo gives the canvases back to the bitmaps";
+  EXPECT_EQ(P->Canvas()->Surface(), P->Bitmap()->Surface());
 }
 
 TEST(WinControl, AGraphicChildsInvalidateMarksOnlyItsArea) {
@@ -437,16 +470,9 @@ TEST(WinControl, ControlAtPosTakesTheTopmostThatAcceptsTheMouse) {
 
 // --- Persistence ---
 
-class TTestForm : public TWinControl {
-  KX_CLASS(TTestForm, TWinControl)
-public:
-  using TWinControl::TWinControl;
-};
-
 TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
-  RegisterControlClasses();
-  RegisterClass(ClassOf<TTestForm>());
-  TOwned<TTestForm> Form = MakeOwned<TTestForm>(nullptr);
+  RegisterFormClasses();
+  TOwned<TForm> Form = MakeOwned<TForm>(nullptr);
   Form->SetName("Form1");
   Form->SetBounds(0, 0, 300, 200);
   auto* P = New<TPanel>(Form.get());
@@ -460,6 +486,7 @@ TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
   P->SetAlignment(taRightJustify);
   P->SetColor(clYellow);
   P->SetAlign(alTop);
+  P->Font()->SetSize(12);
   auto* Box = New<TPaintBox>(Form.get());
   Box->SetName("Box1");
   Box->SetParent(P);
@@ -470,7 +497,7 @@ TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
   Loose->SetName("Loose");
 
   const std::string Json = SaveFormToString(Form.get());
-  TOwned<TTestForm> Copy = MakeOwned<TTestForm>(nullptr);
+  TOwned<TForm> Copy = MakeOwned<TForm>(nullptr);
   LoadFormFromString(Copy.get(), Json);
   auto* P2 = dynamic_cast<TPanel*>(Copy->FindComponent("Panel1"));
   auto* Box2 = dynamic_cast<TPaintBox*>(Copy->FindComponent("Box1"));
@@ -485,6 +512,10 @@ TEST(Control, PanelsAndPaintBoxesRoundTripThroughAForm) {
   EXPECT_EQ(P2->Alignment(), taRightJustify);
   EXPECT_EQ(P2->Color(), clYellow);
   EXPECT_EQ(P2->Align(), alTop);
+  EXPECT_EQ(P2->Font()->Size(), 12);
+  EXPECT_FALSE(P2->ParentFont());
+  EXPECT_TRUE(Box2->ParentFont()) << "a font taken from the parent is not stored as the box's own";
+  EXPECT_EQ(Box2->Font()->Size(), 12);
   EXPECT_EQ(Box2->Parent(), P2);
   EXPECT_EQ(Box2->BoundsRect(), (TRect{4, 5, 4, 12}));
   EXPECT_FALSE(Box2->Visible());
