@@ -470,6 +470,17 @@ void TCollection::Move(int32_t CurIndex, int32_t NewIndex) {
   Items(CurIndex)->SetIndex(NewIndex);
 }
 
+void TCollection::ExchangeItems(int32_t Index1, int32_t Index2) {
+  CheckIndex(Index1);
+  CheckIndex(Index2);
+  if (Index1 == Index2) return;
+  const size_t P1 = FStart + static_cast<size_t>(Index1);
+  const size_t P2 = FStart + static_cast<size_t>(Index2);
+  std::swap(FSlots[P1], FSlots[P2]);
+  Renumber(P1, P1 + 1);
+  Renumber(P2, P2 + 1);
+}
+
 void TCollection::SetItem(int32_t Index, const TCollectionItem* Value) {
   Items(Index)->Assign(Value);
 }

@@ -481,6 +481,9 @@ protected:
   virtual void Update(TCollectionItem* Item);
   // Update(nullptr) unless inside BeginUpdate/EndUpdate.
   void Changed();
+  // Swaps the items at two positions in O(1) without telling anyone; a descendant that
+  // sorts its items tells the change itself. Raises EListError for a bad index.
+  void ExchangeItems(int32_t Index1, int32_t Index2);
 
 private:
   friend class TCollectionItem;

@@ -988,6 +988,15 @@ struct TReaderAccess {
     }
   }
 
+  // The components a document holds; the sub-components Root made itself stay.
+  static void FreeStoredComponents(TComponent* Root) {
+    for (int32_t I = Root->ComponentCount() - 1; I >= 0; --I) {
+      if (I >= Root->ComponentCount()) continue;
+      TComponent* C = Root->Components(I);
+      if (!C->IsSubComponent()) C->Free();
+    }
+  }
+
   static void Load(TReader& R, TReader::TState& S, TComponent* Root, const TJson& Form) {
     auto DocName = Form.find("Name");
     S.Path.Push(DocName != Form.end() && DocName->is_string() &&
@@ -1000,7 +1009,7 @@ struct TReaderAccess {
     if (*ClassName != Root->ClassName())
       S.Fail("the document holds a " + ClassName->get<std::string>() + ", not a " +
              Root->ClassName());
-    Root->DestroyComponents();
+    FreeStoredComponents(Root);
     const TComponentState Reading{csLoading, csReading};
     Root->FComponentState += Reading;
     S.Made.assign(1, Root);
@@ -1013,7 +1022,7 @@ struct TReaderAccess {
         C->FComponentState -= Reading;
     } catch (...) {
       // Nothing half-built stays: every component read so far goes with the form's.
-      Root->DestroyComponents();
+      FreeStoredComponents(Root);
       Root->FComponentState -= Reading;
       throw;
     }

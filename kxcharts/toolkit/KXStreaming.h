@@ -3,22 +3,20 @@
 // back, through the stored properties that each class declares once.
 //
 // How a new class registers its stored properties, in three lines:
-//   1. In the class: `void DefineProperties(TFiler& Filer) override;` (protected).
-//   2. In its .cpp: `inherited::DefineProperties(Filer);` then one line per stored
-//      property, in stored order: `Filer.Property("Limit", this, &TFoo::Limit, &TFoo::SetLimit,
-//      0);`
-//   3. A component class the reader makes by name is registered at module start-up:
-//      `RegisterClasses({ClassOf<TFoo>()});`.
+//   1. Declare `void DefineProperties(TFiler& Filer) override;` (protected) in the class.
+//   2. Define it: `inherited::DefineProperties(Filer);` then one line per property, in order:
+//      `Filer.Property("Limit", this, &TFoo::Limit, &TFoo::SetLimit, 0);` (0 is the default).
+//   3. A component the reader makes by name: `RegisterClasses({ClassOf<TFoo>()});` at start-up.
 //
 // The type of the getter says how a property is stored: bool, integers, double, float,
 // std::string, TColor (by name or hex), enumerations with KX_ENUM_NAMES (by member name),
 // TSet (an array of member names), a pointer to a TComponent descendant (a reference, by
-// name), a pointer to an owned TPersistent (a nested object; getter only) or to a
-// TCollection (an array of items; getter only). Dates use DateProperty. A property equal
-// to its default, or whose stored-predicate answers false, is not written; without a
-// default, numbers are not written when 0, strings when empty, references when nil, and
-// the other kinds always. A descendant gives an inherited property a new default with
-// Redefault() before its inherited call. DefineProperty() stores data of the class's own.
+// name), a pointer to an owned TPersistent or sub-component (a nested object; getter
+// only) or to a TCollection (an array of items; getter only). Dates use DateProperty. A property
+// equal to its default, or whose stored-predicate answers false, is not written; without a default,
+// numbers are not written when 0, strings when empty, references when nil, and the other kinds
+// always. A descendant gives an inherited property a new default with Redefault() before its
+// inherited call. DefineProperty() stores data of the class's own.
 //
 // Reading. The reader makes every component first (with csLoading and csReading included
 // before AfterConstruction() runs), setting properties in declared order; then it sets
@@ -236,8 +234,8 @@ public:
   // An owned sub-object or collection, reached through its getter; reading fills it.
   template <class TObj, class TGet> void Property(std::string_view Name, TObj* Obj, TGet Get) {
     using P = std::remove_pointer_t<std::remove_cvref_t<std::invoke_result_t<TGet, TObj*>>>;
-    static_assert(std::is_base_of_v<TPersistent, P> && !std::is_base_of_v<TComponent, P>,
-                  "a getter-only property is an owned TPersistent or TCollection");
+    static_assert(std::is_base_of_v<TPersistent, P>,
+                  "a getter-only property is an owned TPersistent, TCollection or sub-component");
     Declare(Name);
     P* Sub = std::invoke(Get, Obj);
     if (!Sub) return;

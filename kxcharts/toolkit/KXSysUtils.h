@@ -3,6 +3,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace kx {
 
@@ -32,6 +33,19 @@ public:
 class EListError : public Exception {
 public:
   using Exception::Exception;
+};
+
+// Runs Fn when the scope ends, also when an exception passes: the "finally" of clean-up
+// that must not be skipped (restoring a state, a flag, an event). Fn must not raise.
+template <class F> class TFinally {
+public:
+  explicit TFinally(F Fn) : FFn(std::move(Fn)) {}
+  TFinally(const TFinally&) = delete;
+  TFinally& operator=(const TFinally&) = delete;
+  ~TFinally() { FFn(); }
+
+private:
+  F FFn;
 };
 
 } // namespace kx

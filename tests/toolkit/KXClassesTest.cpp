@@ -250,18 +250,6 @@ TEST(Component, AfterConstructionThatThrowsLeavesTheOwnerClean) {
   EXPECT_EQ(Form->ComponentCount(), 0);
 }
 
-TEST(Component, ComponentIndexMovesWithinTheOwner) {
-  TOwned<TWatcher> Form(MakeWatcher(nullptr, "Form"));
-  auto* A = MakeWatcher(Form.get(), "A");
-  auto* B = MakeWatcher(Form.get(), "B");
-  auto* C = MakeWatcher(Form.get(), "C");
-  C->SetComponentIndex(0);
-  EXPECT_EQ(Form->Components(0), C);
-  EXPECT_EQ(Form->Components(1), A);
-  EXPECT_EQ(B->ComponentIndex(), 2);
-  EXPECT_THROW(Form->Components(3), EListError);
-}
-
 // --- Class registry ---
 
 TEST(ClassRegistry, FindsRegisteredClassesByNameAndRefusesANameClash) {
@@ -419,11 +407,13 @@ TEST(Collection, IndexesStayRightUnderARandomMixOfChanges) {
   std::mt19937 Rng(42);
   for (int Step = 0; Step < 4000; ++Step) {
     const int N = static_cast<int>(Model.size());
-    const int Op = static_cast<int>(Rng() % 6);
+    // Adds outweigh deletes, so the collection grows to hundreds, and deletes at the
+    // front are frequent enough for the front gap to be reclaimed time and again.
+    const int Op = static_cast<int>(Rng() % 9) - 2;
     auto Pick = [&](int Size) { return static_cast<int32_t>(Rng() % static_cast<unsigned>(Size)); };
     if (Op <= 1 || N < 2) {
       Model.push_back(C->Add());
-    } else if (Op == 2) {
+    } else if (Op == 2 || Op == 6) {
       C->Delete(0);
       Model.erase(Model.begin());
     } else if (Op == 3) {
@@ -447,22 +437,9 @@ TEST(Collection, IndexesStayRightUnderARandomMixOfChanges) {
         ASSERT_EQ(Model[static_cast<size_t>(I)]->Index(), I) << "step " << Step;
       }
   }
-}
-
-TEST(Collection, ASlidingWindowKeepsIndexesAndIdsInOrder) {
-  TOwned<TJournalCollection> C(New<TJournalCollection>());
-  C->Quiet = true;
-  for (int I = 0; I < 1000; ++I) {
-    C->Add();
-    if (C->Count() > 100) C->Delete(0);
-  }
-  ASSERT_EQ(C->Count(), 100);
-  for (int32_t I = 0; I < 100; ++I) {
-    EXPECT_EQ(C->Items(I)->Index(), I);
-    EXPECT_EQ(C->Items(I)->ID(), 900 + I);
-  }
-  EXPECT_EQ(C->FindItemID(950), C->Items(50));
-  EXPECT_EQ(C->FindItemID(3), nullptr);
+  EXPECT_GT(C->Count(), 200);
+  TCollectionItem* Last = Model.back();
+  EXPECT_EQ(C->FindItemID(Last->ID()), Last);
 }
 
 TEST(Collection, ALimitInNotifyDropsTheOldestWhileAdding) {

@@ -114,21 +114,5 @@ TEST(KXAssignList, AssignCopiesTheEntriesAndRefusesStrangers) {
   EXPECT_THROW(B->Assign(Ints.get()), EConvertError);
 }
 
-TEST(KXHashTable, AnswersAddsAndRefusesDuplicateKeys) {
-  TKXHashTable<> Levels(0);
-  Levels.Add(1, 3);
-  Levels.AddOrSetValue(1, 4);
-  Levels.AddOrSetValue(0, 9);
-  int32_t V = 0;
-  EXPECT_TRUE(Levels.TryGetValue(1, V));
-  EXPECT_EQ(V, 4);
-  EXPECT_EQ(Levels.Items(0), 9);
-  EXPECT_FALSE(Levels.TryGetValue(2, V));
-  EXPECT_THROW(Levels.Add(1, 1), EListError);
-  EXPECT_THROW(Levels.Items(2), EListError);
-  Levels.Remove(1);
-  EXPECT_EQ(Levels.Count(), 1);
-}
-
 } // namespace
 } // namespace kx

@@ -274,6 +274,29 @@ protected:
   }
 };
 
+// A form that makes a component of its own, stored as a nested object.
+class TStHeaderForm : public TStForm {
+  KX_CLASS(TStHeaderForm, TStForm)
+public:
+  using TStForm::TStForm;
+  TStPanel* Header() const { return FHeader; }
+  void AfterConstruction() override {
+    inherited::AfterConstruction();
+    FHeader = New<TStPanel>(this);
+    FHeader->SetName("Header");
+    FHeader->SetSubComponent(true);
+  }
+
+protected:
+  void DefineProperties(TFiler& Filer) override {
+    inherited::DefineProperties(Filer);
+    Filer.Property("Header", this, &TStHeaderForm::Header);
+  }
+
+private:
+  TStPanel* FHeader = nullptr;
+};
+
 void RegisterStreamedClasses() {
   RegisterClasses({ClassOf<TStForm>(), ClassOf<TStPanel>(), ClassOf<TStChart>(),
                    ClassOf<TStBarChart>(), ClassOf<TStRefusing>(), ClassOf<TStFont>()});
@@ -447,6 +470,21 @@ TEST_F(Streaming, LoadingReplacesTheComponentsTheFormHad) {
   EXPECT_EQ(Target->ComponentCount(), 3);
 }
 
+TEST_F(Streaming, ASubComponentIsStoredInsideItsOwnerAndKeptWhenLoading) {
+  TOwned<TStHeaderForm> Form(Make<TStHeaderForm>(nullptr, "Form1"));
+  Form->Header()->SetColor(clRed);
+  Make<TStPanel>(Form.get(), "Body");
+  const std::string Json = SaveFormToString(Form.get());
+  EXPECT_NE(Json.find("\"Header\": {\n      \"Color\": \"clRed\""), std::string::npos) << Json;
+  EXPECT_EQ(Json.find("\"Name\": \"Header\""), std::string::npos);
+  TOwned<TStHeaderForm> Copy(New<TStHeaderForm>(nullptr));
+  TStPanel* Own = Copy->Header();
+  LoadFormFromString(Copy.get(), Json);
+  EXPECT_EQ(Copy->Header(), Own);
+  EXPECT_EQ(Own->Color(), clRed);
+  EXPECT_EQ(Copy->ComponentCount(), 2);
+}
+
 TEST_F(Streaming, FilesAndStreamsCarryTheSameDocument) {
   test::TTempDir Dir;
   TOwned<TStForm> Form = BuildForm();
@@ -514,7 +552,8 @@ TEST_F(Streaming, BadInputRaisesAClearErrorAndLeavesTheFormAsItWas) {
       {Replace("\"Size\": 11", "\"Bogus\": 1"),
        "Error reading Form1.Panel1.Font: unknown property \"Bogus\""},
       {Replace("\"Kind\": \"stkSunken\"", "\"Kind\": \"stkWobbly\""),
-       "Error reading Form1.Panel1.Kind: \"stkWobbly\" is not one of stkPlain, stkRaised, stkSunken"},
+       "Error reading Form1.Panel1.Kind: \"stkWobbly\" is not one of stkPlain, stkRaised, "
+       "stkSunken"},
       {Replace("\"stoReversed\"", "\"stoUpsideDown\""),
        "Error reading Form1.Panel1.Options: \"stoUpsideDown\" is not one of stoGrid, stoTitle, "
        "stoLabels, stoReversed"},

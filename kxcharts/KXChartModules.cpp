@@ -1,0 +1,16 @@
+// The one place that knows every module of the library: it starts them in their fixed
+// order, so that each registers its chart classes before the registry is first read.
+
+#include <mutex>
+
+#include "kxcharts/core/KXCustomChart.h"
+
+namespace kx {
+
+void StartChartModules() {
+  // A module's start-up registers; it never reads the registry, which would wait here.
+  static std::once_flag Once;
+  std::call_once(Once, [] { StartChartPanelModule(); });
+}
+
+} // namespace kx
