@@ -66,11 +66,6 @@ using TComponentState = TSet<TComponentStateItem>;
 enum TCollectionNotification : uint8_t { cnAdded, cnExtracting, cnDeleting };
 KX_ENUM_NAMES(TCollectionNotification, "cnAdded", "cnExtracting", "cnDeleting")
 
-// Where a text stands across its room, in the platform's member order (stored defaults are
-// written as these numbers).
-enum TAlignment : uint8_t { taLeftJustify, taRightJustify, taCenter };
-KX_ENUM_NAMES(TAlignment, "taLeftJustify", "taRightJustify", "taCenter")
-
 // Naming and ownership errors of components.
 class EComponentError : public Exception {
 public:
