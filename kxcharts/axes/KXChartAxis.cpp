@@ -41,6 +41,29 @@ double AtLeast(double V, double Bound) {
   return V > Bound ? V : Bound;
 }
 
+// R within Lo..Hi. Only arithmetic on ranges too wide for a double (1e308 wide) or the
+// last bit of rounding can take a value out; a NaN stays, and so does anything when the
+// bounds are crossed (a pixel past the last log cycle).
+double WithinRange(double R, double Lo, double Hi) {
+  if (!(Lo <= Hi)) return R;
+  return R < Lo ? Lo : R > Hi ? Hi : R;
+}
+
+// F * (Hi - Lo) + Lo, and R mirrored as Hi - (R - Lo): for ranges wider than a double
+// holds (-1e308..1e308) the same in an order that does not overflow.
+double Lerp(double F, double Lo, double Hi) {
+  const double Width = Hi - Lo;
+  return std::isfinite(Width) ? F * Width + Lo : Lo * (1 - F) + Hi * F;
+}
+double Middle(double Lo, double Hi) {
+  const double M = (Hi - Lo) / 2 + Lo;
+  return std::isfinite(M) ? M : Lo / 2 + Hi / 2;
+}
+double MirrorValue(double R, double Lo, double Hi) {
+  const double V = Hi - (R - Lo);
+  return std::isfinite(V) ? V : (Lo + Hi) - R;
+}
+
 // A rectangle's extent in 64 bits, so that no pair of edges overflows.
 int64_t Extent64(int32_t From, int32_t To) {
   return int64_t(To) - From;
@@ -242,7 +265,9 @@ void TKXChartAxis::SetZoomMinimum(double Value) {
     return;
   }
   FZoomMinimum = Value < FMinimum ? FMinimum : Value;
-  if (FZoomMaximum < FZoomMinimum) SetZoomMaximum(Value);
+  // The other end follows to the value as stored: a value beyond the whole range must not
+  // leave the ends crossed once each is clamped to its own side.
+  if (FZoomMaximum < FZoomMinimum) SetZoomMaximum(FZoomMinimum);
   UpdateZooming();
   Changed();
 }
@@ -253,7 +278,7 @@ void TKXChartAxis::SetZoomMaximum(double Value) {
     return;
   }
   FZoomMaximum = Value > FMaximum ? FMaximum : Value;
-  if (FZoomMaximum < FZoomMinimum) SetZoomMinimum(Value);
+  if (FZoomMaximum < FZoomMinimum) SetZoomMinimum(FZoomMaximum);
   UpdateZooming();
   Changed();
 }
@@ -389,7 +414,7 @@ int32_t TKXChartAxis::LogToPixel(double Value, const TRect& ChartRect, double Lo
     return SimpleLogToPixel(Value, FLogarithmicType, R, Lo, Hi);
   const auto& Parts = LogTypeParts[FLogarithmicType];
   const bool Reversed = FOptions.Contains(aoReversed);
-  const double M = (Hi - Lo) / 2 + Lo;
+  const double M = Middle(Lo, Hi);
   if (Value <= M) return SimpleLogToPixel(Value, Parts[0], GetHalfRect(R, !Reversed), Lo, M);
   return SimpleLogToPixel(Value, Parts[1], GetHalfRect(R, Reversed), M, Hi);
 }
@@ -433,9 +458,9 @@ double TKXChartAxis::PixelToAxis(int32_t Pixel, const TRect& ChartRect, bool Ign
   else if (P >= E)
     R = Hi;
   else
-    R = ((P - S) / (E - S)) * (Hi - Lo) + Lo;
-  if (IsVertical()) R = Hi - (R - Lo);
-  return R;
+    R = Lerp((P - S) / (E - S), Lo, Hi);
+  if (IsVertical()) R = MirrorValue(R, Lo, Hi);
+  return WithinRange(R, Lo, Hi);
 }
 
 double TKXChartAxis::PixelToLog(int32_t Pixel, const TRect& ChartRect, double Lo, double Hi) const {
@@ -446,7 +471,7 @@ double TKXChartAxis::PixelToLog(int32_t Pixel, const TRect& ChartRect, double Lo
   const auto& Parts = LogTypeParts[FLogarithmicType];
   int32_t S, E;
   Span(R, S, E);
-  const double M = (Hi - Lo) / 2 + Lo;
+  const double M = Middle(Lo, Hi);
   // A pixel on the middle counts to the first half of the span.
   const bool FirstHalf = Pixel <= (static_cast<double>(E) - S) / 2 + S;
   const bool HoldingLowHalf = FirstHalf ? !IsVertical() : IsVertical();
@@ -474,10 +499,10 @@ double TKXChartAxis::SimplePixelToLog(double Pixel, TKXLogarithmicType Type, con
     Result = B;
   } else {
     const double T = (P - S) / (E - S);
-    Result = ((Power(FLogBase, T * (FLog11 - FLog1) + FLog1) - 1.0) / 10.0) * (B - A) + A;
+    Result = Lerp((Power(FLogBase, T * (FLog11 - FLog1) + FLog1) - 1.0) / 10.0, A, B);
   }
-  if (Inverse) Result = B - (Result - A);
-  return Result;
+  if (Inverse) Result = MirrorValue(Result, A, B);
+  return WithinRange(Result, A, B);
 }
 
 double TKXChartAxis::UnboundPixelToAxis(int32_t Pixel, const TRect& ChartRect) const {
@@ -573,8 +598,9 @@ void TKXChartAxis::Zoom(double Center, float Amount) {
     return;
   }
   const double Half = ToSingle((SizeUnzoomed() / Amount) / 2);
-  FZoomMaximum = AtMost(Center + Half, FMaximum);
-  SetZoomMinimum(AtLeast(Center - Half, FMinimum));
+  // Both ends inside the range and in order, also for a centre off the range.
+  FZoomMaximum = AtMost(AtLeast(Center + Half, FMinimum), FMaximum);
+  SetZoomMinimum(AtMost(AtLeast(Center - Half, FMinimum), FZoomMaximum));
   Changed();
 }
 
@@ -583,7 +609,7 @@ void TKXChartAxis::Zoom(const TRectF& ChartRect) {
   const double B = IsVertical() ? ChartRect.Bottom : ChartRect.Right;
   // Kept inside the whole range, which the rectangle may reach beyond.
   FZoomMaximum = AtMost(AtLeast(std::max(A, B), FMinimum), FMaximum);
-  SetZoomMinimum(AtLeast(std::min(A, B), FMinimum));
+  SetZoomMinimum(AtMost(AtLeast(std::min(A, B), FMinimum), FZoomMaximum));
   Changed();
 }
 
@@ -596,8 +622,8 @@ void TKXChartAxis::ZoomPixelArea(const TRect& ClientRect) {
     A = PixelToAxis(ClientRect.Right, false);
     B = PixelToAxis(ClientRect.Left, false);
   }
-  FZoomMaximum = AtMost(std::max(A, B), FMaximum);
-  SetZoomMinimum(std::min(A, B));
+  FZoomMaximum = AtMost(AtLeast(std::max(A, B), FMinimum), FMaximum);
+  SetZoomMinimum(AtMost(AtLeast(std::min(A, B), FMinimum), FZoomMaximum));
   Changed();
 }
 
