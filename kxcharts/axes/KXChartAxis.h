@@ -6,14 +6,21 @@
 // axis only raises NeedAxisUpdate when a chart changes; it finds its range again from its
 // charts (UpdateAxisValues) before it is next drawn.
 //
+// Four scales: linear, logarithmic (stretched towards the low end), inverse logarithmic
+// (stretched towards the high end) and two composites that split range and span at their
+// middles and use a simple logarithmic type in each half (LogTypeParts). Each logarithmic
+// scale may also be cut into log cycles, one band per power of LogBase.
+//
 // TKXLocalChartAxis is the invisible axis a chart owns for when it stands alone; it maps
 // on the chart's own client rectangle.
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "kxcharts/core/KXChartGraphic.h"
 #include "kxcharts/toolkit/KXCanvas.h"
+#include "kxcharts/toolkit/KXCommonCharts.h"
 #include "kxcharts/toolkit/KXEnum.h"
 #include "kxcharts/toolkit/KXLists.h"
 #include "kxcharts/toolkit/KXObject.h"
@@ -22,6 +29,7 @@
 
 namespace kx {
 
+class TKXAxisGrid;
 class TKXChartList;
 class TKXCustomChart;
 class TKXCustomChartPanel;
@@ -31,10 +39,10 @@ class TKXCustomChartPanel;
 enum TAxisOption : uint8_t {
   aoAutoMinimum, // Minimum follows the charts
   aoAutoMaximum, // Maximum follows the charts
-  aoShowLabels,
-  aoShowGrid,
-  aoShowTitle,
-  aoReversed, // the direction of the axis is mirrored
+  aoShowLabels,  // kept equal to Labels.Visible
+  aoShowGrid,    // kept equal to Grid.Visible
+  aoShowTitle,   // kept equal to Title.Visible
+  aoReversed,    // the direction of the axis is mirrored
   aoLogarithmic
 };
 KX_ENUM_NAMES(TAxisOption, "aoAutoMinimum", "aoAutoMaximum", "aoShowLabels", "aoShowGrid",
@@ -46,14 +54,45 @@ using TAxisOptions = TSet<TAxisOption>;
 enum TKXChartAxisLocation : uint8_t { calLeft, calRight, calBottom, calTop };
 KX_ENUM_NAMES(TKXChartAxisLocation, "calLeft", "calRight", "calBottom", "calTop")
 
+// What the labels of an axis show.
+enum TAxisLabelStyle : uint8_t {
+  alsAuto,    // captions when the active chart wants them, numbers otherwise
+  alsValue,   // numbers
+  alsCaption, // the captions of the active chart's values
+  alsDateTime // dates and times
+};
+KX_ENUM_NAMES(TAxisLabelStyle, "alsAuto", "alsValue", "alsCaption", "alsDateTime")
+
+// --- Log cycles ---
+
+// One cycle of a log-cycle axis: the share of a full cycle it covers and its upper bound.
+// Entry 0 of TLogCycles only carries the lower bound of the first cycle, with Weight 0.
+struct TLogCycle {
+  double Weight = 0.0;
+  double Value = 0.0;
+  friend bool operator==(const TLogCycle&, const TLogCycle&) = default;
+};
+using TLogCycles = std::vector<TLogCycle>;
+
+// Cuts AMin..AMax into one cycle per power of Base: entry i holds the value
+// Q / Base^(Count - i), Q being the first power at or above AMax; full cycles weigh 1, the
+// first and last the fraction of their linear length that lies in the range. Raises
+// Exception "Illegal Value entered for log cycles!" for a bound at or below 0, and also
+// for bounds, a base or powers that no cycle can be cut from (not finite, a base below 2).
+TLogCycles CalcLogCycles(double AMin, double AMax, int32_t Base);
+
 // --- TKXChartAxis ---
 
 class TKXChartAxis : public TKXChartGraphicArea {
   KX_CLASS(TKXChartAxis, TKXChartGraphicArea)
 
 protected:
+  int32_t FLogBase = 10;
   std::string FFormat = "#,##0.###";
+  std::string FDateTimeFormat;
   TAxisOptions FOptions = TAxisOptions::FromBits(0x1F);
+  TOwned<TKXChartLabel> FTitle;
+  TOwned<TKXChartLabelMetaData> FLabels;
   double FMinimum = 0.0;
   double FMaximum = 0.0;
   int32_t FEndPosition = 100;
@@ -61,21 +100,45 @@ protected:
   int32_t FInwardPosition = 0;
   TOwned<TKXChartList> FCharts;
   TKXChartAxisLocation FLocation = calLeft;
+  int32_t FMinSeparationPct = 10;
   int32_t FHeight = 0;
   int32_t FWidth = 0;
+  double FMinStepIncrement = 0.0;
   int32_t FDimension = 1;
   TKXCustomChartPanel* FOwner;
+  TAxisLabelStyle FLabelStyle = alsAuto;
+  int32_t FTitleMargin = 3;
   bool FNeedAxisUpdate = false;
   bool FZooming = false;
   double FZoomMaximum = 0.0;
   double FZoomMinimum = 0.0;
+  TOwned<TKXAxisGrid> FGrid;
+  bool FIsDrawing = false;
+  bool FSnapGrid = true;
+  double FLabelIncrement = 0.0;
+  TKXLogarithmicType FLogarithmicType = ltLogarithmic;
+  int32_t FMaxLabelWidth = 0;
+  bool FLogCycles = false;
+
+private:
+  // LogN(LogBase, 1) and LogN(LogBase, 11) in single precision: the ends of the logarithmic
+  // curve, worked out when the base changes rather than at every mapped value.
+  double FLog1 = 0.0;
+  double FLog11 = 0.0;
+  // The cycles of the last CalcLogCycles, kept while bounds and base stay, so that mapping
+  // along a log-cycle axis does not cut them afresh for every value.
+  mutable TLogCycles FCycleCache;
+  mutable double FCycleMin = 0.0;
+  mutable double FCycleMax = 0.0;
+  mutable int32_t FCycleBase = 0;
 
 public:
-  // AOwner is the panel (nil for a local axis).
-  explicit TKXChartAxis(TKXCustomChartPanel* AOwner);
+  // AOwner is the panel (nil for an axis on its own).
+  explicit TKXChartAxis(TKXCustomChartPanel* AOwner = nullptr);
   ~TKXChartAxis() override;
 
   // --- Properties ---
+
   TKXCustomChartPanel* Owner() const { return FOwner; }
   // The charts drawn on this axis (not owned).
   TKXChartList* Charts() const { return FCharts.get(); }
@@ -85,19 +148,35 @@ public:
   bool IsVertical() const { return FLocation == calLeft || FLocation == calRight; }
   // The value dimension the axis shows.
   int32_t Dimension() const { return FDimension; }
-  // The number format of labels and value labels.
+  // The base of the logarithmic scales and of the log cycles. Not checked: a base below 2
+  // gives no useful scale (the mapping stays defined), and log cycles refuse it.
+  int32_t LogBase() const { return FLogBase; }
+  void SetLogBase(int32_t Value);
+  // The number format of labels.
   const std::string& Format() const { return FFormat; }
   void SetFormat(const std::string& Value);
+  // The date and time format of labels.
+  const std::string& DateTimeFormat() const { return FDateTimeFormat; }
+  void SetDateTimeFormat(const std::string& Value);
+  // Title.Visible, Labels.Visible and Grid.Visible follow aoShowTitle, aoShowLabels and
+  // aoShowGrid (and the options follow them back). Either auto option in the new set
+  // raises NeedAxisUpdate.
   TAxisOptions Options() const { return FOptions; }
-  // Either auto option in the new set raises NeedAxisUpdate.
   void SetOptions(TAxisOptions Value);
+  TKXChartLabel* Title() const { return FTitle.get(); }
+  void SetTitle(const TKXChartLabel* Value);
+  // The appearance of the labels; their texts come from the axis.
+  TKXChartLabelMetaData* Labels() const { return FLabels.get(); }
+  void SetLabels(const TKXChartLabelMetaData* Value);
+  TKXAxisGrid* Grid() const { return FGrid.get(); }
+  void SetGrid(const TKXAxisGrid* Value);
   // The whole range. Setting an end stores it, keeps Minimum <= Maximum and the zoomed
-  // range inside, and turns that end's auto option off.
+  // range inside (following it while not zooming), and turns that end's auto option off.
   double Minimum() const { return FMinimum; }
   void SetMinimum(double Value);
   double Maximum() const { return FMaximum; }
   void SetMaximum(double Value);
-  // The zoomed range drawing uses, kept inside the whole range.
+  // The zoomed range drawing uses, kept inside the whole range and in order.
   double ZoomMinimum() const { return FZoomMinimum; }
   void SetZoomMinimum(double Value);
   double ZoomMaximum() const { return FZoomMaximum; }
@@ -112,6 +191,27 @@ public:
   // Per cent of the perpendicular extent by which the axis moves inward (0: outside).
   int32_t InwardPosition() const { return FInwardPosition; }
   void SetInwardPosition(int32_t Value);
+  // The least gap between labels, in per cent of the axis's length; at least 0.
+  int32_t MinSeparationPct() const { return FMinSeparationPct; }
+  void SetMinSeparationPct(int32_t Value);
+  // The least label step; at least 0.
+  double MinStepIncrement() const { return FMinStepIncrement; }
+  void SetMinStepIncrement(double Value);
+  // A fixed label step; 0 for one found from the room the labels need.
+  double LabelIncrement() const { return FLabelIncrement; }
+  void SetLabelIncrement(double Value);
+  TAxisLabelStyle LabelStyle() const { return FLabelStyle; }
+  void SetLabelStyle(TAxisLabelStyle Value);
+  // Pixels around the title.
+  int32_t TitleMargin() const { return FTitleMargin; }
+  void SetTitleMargin(int32_t Value);
+  bool SnapGrid() const { return FSnapGrid; }
+  void SetSnapGrid(bool Value);
+  TKXLogarithmicType LogarithmicType() const { return FLogarithmicType; }
+  void SetLogarithmicType(TKXLogarithmicType Value);
+  // Whether a logarithmic scale is cut into cycles.
+  bool LogCycles() const { return FLogCycles; }
+  void SetLogCycles(bool Value);
   // The extent the axis takes beside the plot, from the last CalculateBounds.
   int32_t Width() const { return FWidth; }
   int32_t Height() const { return FHeight; }
@@ -120,6 +220,7 @@ public:
   void SetNeedAxisUpdate(bool Value) { FNeedAxisUpdate = Value; }
 
   // --- Operations ---
+
   double SizeUnzoomed() const { return FMaximum - FMinimum; }
   double SizeZoomed() const { return FZoomMaximum - FZoomMinimum; }
   // SizeUnzoomed / SizeZoomed; 1 when the zoomed range is empty.
@@ -127,14 +228,35 @@ public:
 
   // The pixel of Value on the owner's plot rectangle (0, 0, 100, 100 without an owner).
   virtual int32_t AxisToPixel(double Value) const;
-  // The pixel of Value on ChartRect, on the zoomed range: linear, mirrored on a vertical
-  // axis and again with aoReversed; values off the range give pixels off the span.
+  // The pixel of Value on ChartRect, on the zoomed range, between the span's start S and
+  // end E (StartPosition and EndPosition per cent along the rectangle); mirrored on a
+  // vertical axis, and again with aoReversed. Linear without aoLogarithmic or on an empty
+  // zoomed range: values off the range give pixels off the span. Logarithmic: values below
+  // the range give its low end. Every input gives a defined pixel (NaN the start of the
+  // span, huge values saturated). A log-cycle axis raises what CalcLogCycles raises.
   int32_t AxisToPixel(double Value, const TRect& ChartRect) const;
   // The value at Pixel on the owner's plot rectangle (0, 0, 100, 100 without an owner).
   virtual double PixelToAxis(int32_t Pixel, bool IgnoreZoom) const;
   // The value at Pixel on ChartRect, on the whole range with IgnoreZoom, else on the
-  // zoomed one; pixels off the span give the end on that side.
+  // zoomed one: the inverse of AxisToPixel, and pixels off the span give the end of the
+  // range on that side.
   double PixelToAxis(int32_t Pixel, const TRect& ChartRect, bool IgnoreZoom) const;
+
+  // Zooms around Center to the whole range's size divided by Amount, clamped to the
+  // whole range (an end is cut, the other side stays); an Amount of 1 or less unzooms.
+  void Zoom(double Center, float Amount);
+  // Zooms to the values of ChartRect along this axis (Left and Right of a horizontal
+  // axis, Top and Bottom of a vertical one), in either order and clamped to the range.
+  void Zoom(const TRectF& ChartRect);
+  // Zooms to the pixels of ClientRect along this axis, read through PixelToAxis.
+  void ZoomPixelArea(const TRect& ClientRect);
+  // Shows the whole range.
+  void Unzoom();
+  // Moves the zoomed range by Amount pixels, read on the owner's plot rectangle.
+  void Pan(int32_t Amount);
+  // Moves the zoomed range by Amount in axis units, keeping its size; a pan that would
+  // leave the whole range stops at its end. NaN moves nothing.
+  void Pan(double Amount);
 
   // Finds the range of the automatic ends from the visible charts (stacking the groups
   // that stack), keeps a zoom inside it, clears NeedAxisUpdate and tells the charts.
@@ -152,22 +274,66 @@ public:
   // Brings the draw overloads of the base into view beside ours.
   using TKXChartGraphicArea::Draw;
 
+  // From another axis: the range, zoom, positions, formats, options, log base and cycles,
+  // label settings, the chart list (a plain copy), title, labels and grid; not
+  // LabelIncrement, LogarithmicType or SnapGrid. No change is reported for the fields.
+  void Assign(const TPersistent* Source) override;
+  // With an owner, title and labels take its font as the base of their delta fonts.
   void AfterConstruction() override;
   void BeforeDestruction() override;
 
 protected:
   using TKXChartGraphicArea::VisibleChanged;
+  // Makes title, labels, grid and chart list; the brush is clear.
+  void Initialize() override;
+  // Title and labels report to Changed(Sender), the grid to SenderChanged, the chart list
+  // to ChartListNotify.
+  void InitializeEvents() override;
   // Raises OnChange, then tells the charts (UpdateChartAxisInfo).
   void Changed() override;
+  // A change of the title or the labels: their visibility is copied into aoShowTitle or
+  // aoShowLabels, then Changed().
+  virtual void Changed(TObject* Sender);
   // The chart list's notice: a chart came or went.
   virtual void ChartListNotify(TObject* Sender, TKXCustomChart* Chart, TListNotification Action);
-  // Format, Maximum, Minimum, ZoomMaximum, ZoomMinimum, Options, StartPosition,
-  // EndPosition, InwardPosition.
+  // Format, DateTimeFormat, Grid, Labels, LabelIncrement, LabelStyle, LogBase, LogCycles,
+  // LogarithmicType, Maximum, Minimum, ZoomMaximum, ZoomMinimum, MinStepIncrement,
+  // Options, StartPosition, EndPosition, InwardPosition, MinSeparationPct, SnapGrid,
+  // Title, TitleMargin, Brush, Pen, Opacity, Visible: Options after the range, so that the
+  // auto options that reading an end turned off come back.
   void DefineProperties(TFiler& Filer) override;
+
+  // An amount of Pixel pixels as an amount on the zoomed range, unclamped and unmirrored
+  // (an empty span gives 0). On a logarithmic axis the value at Pixel, unclamped by the
+  // test of an empty range.
+  double UnboundPixelToAxis(int32_t Pixel, const TRect& ChartRect) const;
+  // A half of ARect along the axis: with LowHalf the half where low values lie on an axis
+  // that is not reversed (left, or bottom on a vertical axis).
+  TRect GetHalfRect(const TRect& ARect, bool LowHalf) const;
+  // The band of ARect where the log cycle that holds Value lies, with AMin and AMax
+  // narrowed to that cycle's bounds. Bands follow the direction of growing values, so on a
+  // vertical or reversed axis they are laid out from the far end of the span.
+  virtual TRect GetLogCycleZoomChart(const TRect& ARect, double Value, double& AMin,
+                                     double& AMax) const;
+  // The same for the band that holds Pixel.
+  virtual TRect GetLogCycleAxis(const TRect& ARect, double Pixel, double& AMin, double& AMax) const;
 
   // S and E of the span of R along the axis.
   void Span(const TRect& R, int32_t& S, int32_t& E) const;
   void UpdateZooming();
+
+private:
+  int32_t LinearToPixel(double Value, const TRect& R, double Lo, double Hi) const;
+  int32_t LogToPixel(double Value, const TRect& R, double Lo, double Hi) const;
+  int32_t SimpleLogToPixel(double Value, TKXLogarithmicType Type, const TRect& R, double A,
+                           double B) const;
+  double PixelToLog(int32_t Pixel, const TRect& R, double Lo, double Hi) const;
+  double SimplePixelToLog(double Pixel, TKXLogarithmicType Type, const TRect& R, double A,
+                          double B) const;
+  const TLogCycles& Cycles(double AMin, double AMax) const;
+  // Whether bands and spans run against the pixel direction: on a vertical axis, and
+  // again with aoReversed.
+  bool Mirrored() const { return IsVertical() != FOptions.Contains(aoReversed); }
 };
 
 // --- TKXLocalChartAxis ---
@@ -180,7 +346,8 @@ private:
   TKXCustomChart* FChart;
 
 public:
-  explicit TKXLocalChartAxis(TKXCustomChart* AChart);
+  // Without a chart the axis maps as an axis without owner.
+  explicit TKXLocalChartAxis(TKXCustomChart* AChart = nullptr);
 
   TKXCustomChart* Chart() const { return FChart; }
 
@@ -188,6 +355,9 @@ public:
   using TKXChartAxis::PixelToAxis;
   int32_t AxisToPixel(double Value) const override;
   double PixelToAxis(int32_t Pixel, bool IgnoreZoom) const override;
+
+  // Title and labels take the chart's font as the base of their delta fonts.
+  void AfterConstruction() override;
 };
 
 } // namespace kx

@@ -152,6 +152,7 @@ void TKXChartGraphicArea::Initialize() {
   inherited::Initialize();
   FBrush = MakeOwned<TBrush>();
   FBrush->SetColor(clBtnFace);
+  FBrush->UseCurrentAsDefaults();
   FPen = MakeOwned<TPen>();
 }
 
@@ -192,6 +193,7 @@ void TKXCustomChartLabel::Initialize() {
   inherited::Initialize();
   FFont = MakeOwned<TKXDeltaFont>();
   FFont->SetColor(clBlack);
+  FFont->UseCurrentAsDefaults();
 }
 
 void TKXCustomChartLabel::InitializeEvents() {
@@ -294,6 +296,7 @@ void TKXChartShadow::Initialize() {
   inherited::Initialize();
   Brush()->SetColor(clBlack);
   Brush()->SetStyle(bsSolid);
+  Brush()->UseCurrentAsDefaults();
 }
 
 void TKXChartShadow::SetSize(int32_t Value) {
@@ -550,6 +553,7 @@ void TKXChartHeader::Initialize() {
   SetImageOptions(ImageOptions() - TImageOptions{ioCenter});
   SetImageOptions(ImageOptions() + TImageOptions{ioStretch});
   Brush()->SetStyle(bsClear);
+  Brush()->UseCurrentAsDefaults();
 }
 
 void TKXChartHeader::InitializeEvents() {
@@ -564,6 +568,7 @@ void TKXChartHeader::AfterConstruction() {
   if (OwnerFont) FFont->Assign(OwnerFont);
   FFont->SetColor(FIsHeader ? clBlue : clRed);
   if (OwnerFont) FFont->SetBaseFont(OwnerFont);
+  FFont->UseCurrentAsDefaults();
 }
 
 void TKXChartHeader::SetAlignment(TAlignment Value) {

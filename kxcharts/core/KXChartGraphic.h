@@ -27,6 +27,7 @@
 #include "kxcharts/toolkit/KXBitmap.h"
 #include "kxcharts/toolkit/KXCanvas.h"
 #include "kxcharts/toolkit/KXClasses.h"
+#include "kxcharts/toolkit/KXControls.h"
 #include "kxcharts/toolkit/KXDeltaFont.h"
 #include "kxcharts/toolkit/KXEnum.h"
 #include "kxcharts/toolkit/KXGraphicObjects.h"

@@ -116,10 +116,14 @@ void TPen::Assign(const TPersistent* Source) {
 
 void TPen::DefineProperties(TFiler& Filer) {
   inherited::DefineProperties(Filer);
-  Filer.Property("Color", this, &TPen::Color, &TPen::SetColor, clBlack);
-  Filer.Property("Mode", this, &TPen::Mode, &TPen::SetMode, pmCopy);
-  Filer.Property("Style", this, &TPen::Style, &TPen::SetStyle, psSolid);
-  Filer.Property("Width", this, &TPen::Width, &TPen::SetWidth, 1);
+  Filer.Property("Color", this, &TPen::Color, &TPen::SetColor, FDefaults.Color);
+  Filer.Property("Mode", this, &TPen::Mode, &TPen::SetMode, FDefaults.Mode);
+  Filer.Property("Style", this, &TPen::Style, &TPen::SetStyle, FDefaults.Style);
+  Filer.Property("Width", this, &TPen::Width, &TPen::SetWidth, FDefaults.Width);
+}
+
+void TPen::UseCurrentAsDefaults() {
+  FDefaults = {FColor, FWidth, FStyle, FMode};
 }
 
 // --- TBrush ---
@@ -151,8 +155,13 @@ void TBrush::Assign(const TPersistent* Source) {
 
 void TBrush::DefineProperties(TFiler& Filer) {
   inherited::DefineProperties(Filer);
-  Filer.Property("Color", this, &TBrush::Color, &TBrush::SetColor, clWhite);
-  Filer.Property("Style", this, &TBrush::Style, &TBrush::SetStyle, bsSolid);
+  Filer.Property("Color", this, &TBrush::Color, &TBrush::SetColor, FDefaultColor);
+  Filer.Property("Style", this, &TBrush::Style, &TBrush::SetStyle, FDefaultStyle);
+}
+
+void TBrush::UseCurrentAsDefaults() {
+  FDefaultColor = FColor;
+  FDefaultStyle = FStyle;
 }
 
 // --- TFont ---
@@ -222,11 +231,16 @@ void TFont::Assign(const TPersistent* Source) {
 
 void TFont::DefineProperties(TFiler& Filer) {
   inherited::DefineProperties(Filer);
-  Filer.Property("Color", this, &TFont::Color, &TFont::SetColor, clWindowText);
-  Filer.Property("Height", this, &TFont::Height, &TFont::SetHeight, -11);
-  Filer.Property("Name", this, &TFont::Name, &TFont::SetName, std::string(DefaultName));
-  Filer.Property("Orientation", this, &TFont::Orientation, &TFont::SetOrientation, 0);
-  Filer.Property("Style", this, &TFont::Style, &TFont::SetStyle, TFontStyles{});
+  const TAttributes& D = FDefaults;
+  Filer.Property("Color", this, &TFont::Color, &TFont::SetColor, D.Color);
+  Filer.Property("Height", this, &TFont::Height, &TFont::SetHeight, D.Height);
+  Filer.Property("Name", this, &TFont::Name, &TFont::SetName, D.Name);
+  Filer.Property("Orientation", this, &TFont::Orientation, &TFont::SetOrientation, D.Orientation);
+  Filer.Property("Style", this, &TFont::Style, &TFont::SetStyle, D.Style);
+}
+
+void TFont::UseCurrentAsDefaults() {
+  FDefaults = {FName, FHeight, FColor, FStyle, FOrientation};
 }
 
 } // namespace kx

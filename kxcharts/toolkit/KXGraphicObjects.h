@@ -88,6 +88,12 @@ public:
   // still fits the font, without taking the OnChange slot from the user.
   uint64_t Revision() const { return FRevision; }
 
+  // Records the present attributes as the ones a stored form leaves out. By default those
+  // are a fresh object's; an owner that starts its pen, brush or font otherwise (a clear
+  // brush, a black font) calls this once it has, so that an attribute set back to the
+  // fresh value is still written, and read back, rather than lost to the owner's start.
+  virtual void UseCurrentAsDefaults() = 0;
+
 protected:
   virtual void Changed();
 
@@ -114,16 +120,24 @@ public:
   void SetMode(TPenMode Value);
 
   void Assign(const TPersistent* Source) override;
+  void UseCurrentAsDefaults() override;
 
 protected:
   // Color, Mode, Style, Width.
   void DefineProperties(TFiler& Filer) override;
 
 private:
+  struct TAttributes {
+    TColor Color = clBlack;
+    int32_t Width = 1;
+    TPenStyle Style = psSolid;
+    TPenMode Mode = pmCopy;
+  };
   TColor FColor = clBlack;
   int32_t FWidth = 1;
   TPenStyle FStyle = psSolid;
   TPenMode FMode = pmCopy;
+  TAttributes FDefaults;
 };
 
 class TBrush : public TGraphicsObject {
@@ -138,6 +152,7 @@ public:
   void SetStyle(TBrushStyle Value);
 
   void Assign(const TPersistent* Source) override;
+  void UseCurrentAsDefaults() override;
 
 protected:
   // Color, Style.
@@ -146,6 +161,8 @@ protected:
 private:
   TColor FColor = clWhite;
   TBrushStyle FStyle = bsSolid;
+  TColor FDefaultColor = clWhite;
+  TBrushStyle FDefaultStyle = bsSolid;
 };
 
 // A font at 96 pixels per inch. Height is the platform's: negative is the character (em)
@@ -180,6 +197,7 @@ public:
 
   // True when every attribute equals that of Other.
   bool SameAs(const TFont& Other) const;
+  void UseCurrentAsDefaults() override;
 
 protected:
   // Color, Height, Name, Orientation, Style: the height rather than the size, so that a
@@ -192,6 +210,14 @@ private:
   TColor FColor = clWindowText;
   TFontStyles FStyle;
   int32_t FOrientation = 0;
+  struct TAttributes {
+    std::string Name = DefaultName;
+    int32_t Height = -11;
+    TColor Color = clWindowText;
+    TFontStyles Style;
+    int32_t Orientation = 0;
+  };
+  TAttributes FDefaults;
 };
 
 } // namespace kx

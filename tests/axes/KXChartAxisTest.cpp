@@ -1,0 +1,823 @@
+#include "kxcharts/axes/KXChartAxis.h"
+
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "kxcharts/axes/KXAxisGrid.h"
+#include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/toolkit/KXGraphics.h"
+#include "kxcharts/toolkit/KXMath.h"
+#include "kxcharts/toolkit/KXStreaming.h"
+
+namespace kx {
+
+namespace {
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double Inf = std::numeric_limits<double>::infinity();
+
+// Opens the protected helpers of the axis to the tests.
+class TProbeAxis : public TKXChartAxis {
+public:
+  using TKXChartAxis::GetHalfRect;
+  using TKXChartAxis::TKXChartAxis;
+  using TKXChartAxis::UnboundPixelToAxis;
+};
+
+TOwned<TProbeAxis> MakeAxis(TKXChartAxisLocation Location, double Min, double Max,
+                            TAxisOptions Extra = {}) {
+  TOwned<TProbeAxis> A(New<TProbeAxis>(nullptr));
+  A->SetLocation(Location);
+  A->SetMaximum(Max);
+  A->SetMinimum(Min);
+  A->SetOptions(A->Options() + Extra);
+  return A;
+}
+
+// --- Pixel positions ---
+
+struct TPixelCase {
+  const char* Name;
+  TKXChartAxisLocation Location;
+  TAxisOptions Options;
+  TKXLogarithmicType Type;
+  int32_t Start, End;
+  TRect Rect;
+  double Value;
+  int32_t Pixel;
+};
+
+void PrintTo(const TPixelCase& C, std::ostream* Os) {
+  *Os << C.Name;
+}
+
+class ChartAxisPixels : public ::testing::TestWithParam<TPixelCase> {};
+
+// Range 0..100 throughout.
+TEST_P(ChartAxisPixels, MapsTheValueToItsPixel) {
+  const TPixelCase& C = GetParam();
+  auto A = MakeAxis(C.Location, 0, 100, C.Options);
+  A->SetLogarithmicType(C.Type);
+  A->SetEndPosition(C.End);
+  A->SetStartPosition(C.Start);
+  EXPECT_EQ(A->AxisToPixel(C.Value, C.Rect), C.Pixel);
+}
+
+constexpr TRect Wide{0, 0, 1000, 40};
+constexpr TRect Tall{0, 0, 40, 1000};
+constexpr TAxisOptions Log{aoLogarithmic};
+constexpr TAxisOptions LogRev{aoLogarithmic, aoReversed};
+constexpr TAxisOptions Rev{aoReversed};
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryScale, ChartAxisPixels,
+    ::testing::Values(
+        // Linear: the minimum at S on a bottom axis, at E on a left axis, back at S on a
+        // reversed left axis; values off the range fall off the span.
+        TPixelCase{"BottomMinimum", calBottom, {}, ltLogarithmic, 0, 100, {0, 0, 400, 300}, 0, 0},
+        TPixelCase{
+            "BottomQuarter", calBottom, {}, ltLogarithmic, 0, 100, {10, 0, 410, 300}, 25, 110},
+        TPixelCase{
+            "BottomReversed", calBottom, Rev, ltLogarithmic, 0, 100, {0, 0, 400, 300}, 0, 400},
+        TPixelCase{"LeftMinimum", calLeft, {}, ltLogarithmic, 0, 100, {0, 20, 400, 320}, 0, 320},
+        TPixelCase{"LeftMaximum", calLeft, {}, ltLogarithmic, 0, 100, {0, 20, 400, 320}, 100, 20},
+        TPixelCase{"LeftReversed", calLeft, Rev, ltLogarithmic, 0, 100, {0, 20, 400, 320}, 0, 20},
+        TPixelCase{"TopOffRange", calTop, {}, ltLogarithmic, 0, 100, {0, 0, 400, 300}, 150, 600},
+        TPixelCase{
+            "RightBelowRange", calRight, {}, ltLogarithmic, 0, 100, {0, 0, 40, 300}, -50, 450},
+        // Start 25 and end 75 on 0..400 give the span 100..300.
+        TPixelCase{"SpanStart", calBottom, {}, ltLogarithmic, 25, 75, {0, 0, 400, 300}, 0, 100},
+        TPixelCase{"SpanMiddle", calBottom, {}, ltLogarithmic, 25, 75, {0, 0, 400, 300}, 50, 200},
+        TPixelCase{"SpanEnd", calBottom, {}, ltLogarithmic, 25, 75, {0, 0, 400, 300}, 100, 300},
+        TPixelCase{"SpanVertical", calLeft, {}, ltLogarithmic, 25, 75, {0, 0, 40, 400}, 0, 300},
+        // Logarithmic: the middle of the range at log 6 / log 11 (74.7 %) of the span;
+        // below the range the low end, above it past the end.
+        TPixelCase{"LogMiddle", calBottom, Log, ltLogarithmic, 0, 100, Wide, 50, 747},
+        TPixelCase{"LogTenth", calBottom, Log, ltLogarithmic, 0, 100, Wide, 10, 289},
+        TPixelCase{"LogEnd", calBottom, Log, ltLogarithmic, 0, 100, Wide, 100, 1000},
+        TPixelCase{"LogBelow", calBottom, Log, ltLogarithmic, 0, 100, Wide, -5, 0},
+        TPixelCase{"LogAbove", calBottom, Log, ltLogarithmic, 0, 100, Wide, 200, 1270},
+        TPixelCase{"LogVertical", calLeft, Log, ltLogarithmic, 0, 100, Tall, 50, 253},
+        TPixelCase{"LogVerticalReversed", calLeft, LogRev, ltLogarithmic, 0, 100, Tall, 50, 747},
+        TPixelCase{"LogReversed", calBottom, LogRev, ltLogarithmic, 0, 100, Wide, 10, 711},
+        TPixelCase{"LogSpan", calBottom, Log, ltLogarithmic, 25, 75, {0, 0, 2000, 10}, 50, 1247},
+        // Inverse logarithmic: the mirror image, stretched towards the high end.
+        TPixelCase{"InverseTenth", calBottom, Log, ltInverseLogarithmic, 0, 100, Wide, 10, 40},
+        TPixelCase{"InverseMiddle", calBottom, Log, ltInverseLogarithmic, 0, 100, Wide, 50, 253},
+        TPixelCase{"InverseNinety", calBottom, Log, ltInverseLogarithmic, 0, 100, Wide, 90, 711},
+        TPixelCase{"InverseVertical", calLeft, Log, ltInverseLogarithmic, 0, 100, Tall, 90, 289},
+        // Composites: each half of range and span with its own simple type.
+        TPixelCase{"FirstLow", calBottom, Log, ltCompositeFirst, 0, 100, Wide, 25, 126},
+        TPixelCase{"FirstMiddle", calBottom, Log, ltCompositeFirst, 0, 100, Wide, 50, 500},
+        TPixelCase{"FirstHigh", calBottom, Log, ltCompositeFirst, 0, 100, Wide, 75, 874},
+        TPixelCase{"FirstVertical", calLeft, Log, ltCompositeFirst, 0, 100, Tall, 75, 126},
+        TPixelCase{"FirstReversed", calBottom, LogRev, ltCompositeFirst, 0, 100, Wide, 75, 126},
+        TPixelCase{"SecondLow", calBottom, Log, ltCompositeSecond, 0, 100, Wide, 25, 374},
+        TPixelCase{"SecondHigh", calBottom, Log, ltCompositeSecond, 0, 100, Wide, 75, 626},
+        TPixelCase{"SecondVertical", calLeft, Log, ltCompositeSecond, 0, 100, Tall, 25, 626}));
+
+TEST(ChartAxis, AnEmptyRangeMapsLinearlyWithoutDividing) {
+  for (TKXLogarithmicType T :
+       {ltLogarithmic, ltInverseLogarithmic, ltCompositeFirst, ltCompositeSecond}) {
+    auto Bottom = MakeAxis(calBottom, 5, 5, {aoLogarithmic});
+    Bottom->SetLogarithmicType(T);
+    EXPECT_EQ(Bottom->AxisToPixel(5, {10, 0, 110, 50}), 10);
+    EXPECT_EQ(Bottom->AxisToPixel(6, {10, 0, 110, 50}), 110);
+    auto Left = MakeAxis(calLeft, 5, 5, {aoLogarithmic});
+    Left->SetLogarithmicType(T);
+    EXPECT_EQ(Left->AxisToPixel(5, {0, 0, 50, 100}), 100);
+    EXPECT_EQ(Left->PixelToAxis(37, {0, 0, 50, 100}, false), 5);
+  }
+}
+
+TEST(ChartAxis, LogarithmicMiddleIsAtTheSamePlaceWhateverTheBase) {
+  for (int32_t Base : {2, 3, 10, 16, 1000}) {
+    auto A = MakeAxis(calBottom, 0, 100, {aoLogarithmic});
+    A->SetLogBase(Base);
+    EXPECT_EQ(A->AxisToPixel(50, Wide), 747) << "base " << Base;
+  }
+}
+
+TEST(ChartAxis, WithoutOwnerMapsOnAHundredPixelSquare) {
+  auto A = MakeAxis(calBottom, 0, 10);
+  EXPECT_EQ(A->AxisToPixel(3.0), 30);
+  EXPECT_DOUBLE_EQ(A->PixelToAxis(70, false), 7.0);
+}
+
+// --- Pixel to value ---
+
+struct TScale {
+  const char* Name;
+  TKXChartAxisLocation Location;
+  TAxisOptions Options;
+  TKXLogarithmicType Type;
+  bool Cycles;
+  double Min, Max;
+};
+
+void PrintTo(const TScale& S, std::ostream* Os) {
+  *Os << S.Name;
+}
+
+TOwned<TProbeAxis> MakeAxis(const TScale& S) {
+  auto A = MakeAxis(S.Location, S.Min, S.Max, S.Options);
+  A->SetLogarithmicType(S.Type);
+  A->SetLogCycles(S.Cycles);
+  return A;
+}
+
+class ChartAxisInverse : public ::testing::TestWithParam<TScale> {};
+
+TEST_P(ChartAxisInverse, PixelToAxisInvertsAxisToPixelWithinOnePixel) {
+  auto A = MakeAxis(GetParam());
+  for (const TRect R : {TRect{0, 0, 640, 480}, TRect{-30, 15, 377, 211}}) {
+    for (int32_t Start : {0, 20}) {
+      // Halves and cycle bands place the span again inside themselves, which leaves pixels
+      // between them that no value reaches: those scales are checked on the whole span.
+      const TScale& Sc = GetParam();
+      if (Start && Sc.Options.Contains(aoLogarithmic) && (Sc.Cycles || Sc.Type >= ltCompositeFirst))
+        continue;
+      A->SetStartPosition(Start);
+      int32_t S, E;
+      const bool Vertical = A->IsVertical();
+      S = (Vertical ? R.Top : R.Left) +
+          CanvasRound((Vertical ? R.Height() : R.Width()) * Start / 100.0);
+      E = Vertical ? R.Bottom : R.Right;
+      for (int32_t P = S; P <= E; ++P) {
+        const double V = A->PixelToAxis(P, R, false);
+        ASSERT_GE(V, A->Minimum());
+        ASSERT_LE(V, A->Maximum());
+        ASSERT_NEAR(A->AxisToPixel(V, R), P, 1) << "pixel " << P << " value " << V;
+      }
+    }
+  }
+}
+
+TEST_P(ChartAxisInverse, PixelsOffTheSpanGiveTheEndOnThatSide) {
+  auto A = MakeAxis(GetParam());
+  const TRect R{0, 0, 640, 480};
+  const int32_t Far = A->IsVertical() ? 480 : 640;
+  const double AtStart = A->PixelToAxis(-5, R, false);
+  const double AtEnd = A->PixelToAxis(Far + 5, R, false);
+  EXPECT_EQ(std::min(AtStart, AtEnd), A->Minimum());
+  EXPECT_EQ(std::max(AtStart, AtEnd), A->Maximum());
+  EXPECT_EQ(A->PixelToAxis(INT32_MIN, R, false), AtStart);
+  EXPECT_EQ(A->PixelToAxis(INT32_MAX, R, false), AtEnd);
+  // Low values lie at the left, or at the bottom, unless reversed.
+  const bool LowFirst = A->IsVertical() == A->Options().Contains(aoReversed);
+  EXPECT_EQ(AtStart, LowFirst ? A->Minimum() : A->Maximum());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryScale, ChartAxisInverse,
+    ::testing::Values(
+        TScale{"Linear", calBottom, {}, ltLogarithmic, false, -20, 80},
+        TScale{"LinearVertical", calLeft, {}, ltLogarithmic, false, -20, 80},
+        TScale{"LinearReversed", calTop, Rev, ltLogarithmic, false, -20, 80},
+        TScale{"LinearVerticalReversed", calRight, Rev, ltLogarithmic, false, -20, 80},
+        TScale{"Log", calBottom, Log, ltLogarithmic, false, -20, 80},
+        TScale{"LogVertical", calLeft, Log, ltLogarithmic, false, 1, 5000},
+        TScale{"LogReversed", calBottom, LogRev, ltLogarithmic, false, 1, 5000},
+        TScale{"LogVerticalReversed", calLeft, LogRev, ltLogarithmic, false, 1, 5000},
+        TScale{"Inverse", calBottom, Log, ltInverseLogarithmic, false, -20, 80},
+        TScale{"InverseVertical", calRight, Log, ltInverseLogarithmic, false, -20, 80},
+        TScale{"InverseReversed", calTop, LogRev, ltInverseLogarithmic, false, -20, 80},
+        TScale{"First", calBottom, Log, ltCompositeFirst, false, 0, 100},
+        TScale{"FirstVertical", calLeft, Log, ltCompositeFirst, false, 0, 100},
+        TScale{"FirstReversed", calBottom, LogRev, ltCompositeFirst, false, 0, 100},
+        TScale{"FirstVerticalReversed", calLeft, LogRev, ltCompositeFirst, false, 0, 100},
+        TScale{"Second", calBottom, Log, ltCompositeSecond, false, 0, 100},
+        TScale{"SecondVertical", calLeft, Log, ltCompositeSecond, false, 0, 100},
+        TScale{"SecondReversed", calTop, LogRev, ltCompositeSecond, false, 0, 100},
+        TScale{"Cycles", calBottom, Log, ltLogarithmic, true, 3, 20000},
+        TScale{"CyclesVertical", calLeft, Log, ltLogarithmic, true, 3, 20000},
+        TScale{"CyclesReversed", calBottom, LogRev, ltLogarithmic, true, 3, 20000},
+        TScale{"CyclesVerticalReversed", calLeft, LogRev, ltLogarithmic, true, 3, 20000},
+        TScale{"CyclesInverse", calBottom, Log, ltInverseLogarithmic, true, 10, 1000},
+        TScale{"CyclesFraction", calBottom, Log, ltLogarithmic, true, 0.25, 40},
+        TScale{"CyclesComposite", calLeft, Log, ltCompositeFirst, true, 10, 1000}));
+
+// --- Log cycles ---
+
+TEST(LogCycles, CutTheRangeAtThePowersOfTheBase) {
+  const TLogCycles C = CalcLogCycles(50, 2000, 10);
+  ASSERT_EQ(C.size(), 4u);
+  const double Values[] = {10, 100, 1000, 10000};
+  const double Weights[] = {0, 50.0 / 90, 1, 1000.0 / 9000};
+  for (size_t I = 0; I < 4; ++I) {
+    EXPECT_DOUBLE_EQ(C[I].Value, Values[I]);
+    EXPECT_DOUBLE_EQ(C[I].Weight, Weights[I]);
+  }
+  const TLogCycles One = CalcLogCycles(50, 70, 10);
+  ASSERT_EQ(One.size(), 2u);
+  EXPECT_DOUBLE_EQ(One[1].Weight, 20.0 / 90);
+  EXPECT_EQ(CalcLogCycles(100, 100, 10).size(), 1u);
+  const TLogCycles Two = CalcLogCycles(1, 64, 2);
+  ASSERT_EQ(Two.size(), 7u);
+  EXPECT_DOUBLE_EQ(Two[6].Value, 64);
+  EXPECT_DOUBLE_EQ(Two[3].Weight, 1);
+  const TLogCycles Fraction = CalcLogCycles(0.25, 40, 10);
+  ASSERT_EQ(Fraction.size(), 4u);
+  EXPECT_NEAR(Fraction[0].Value, 0.1, 1e-7);
+  EXPECT_NEAR(Fraction[1].Weight, (1 - 0.25) / (1 - Fraction[0].Value), 1e-6);
+}
+
+TEST(LogCycles, RefuseBoundsTheyCannotCut) {
+  const double Bad[][2] = {{0, 10}, {-1, 10}, {1, -1}, {NaN, 10}, {1, Inf}, {100, 10}, {1e-60, 1}};
+  for (const auto& B : Bad) {
+    try {
+      CalcLogCycles(B[0], B[1], 10);
+      ADD_FAILURE() << B[0] << " .. " << B[1] << " was cut";
+    } catch (const Exception& E) {
+      EXPECT_EQ(E.Message(), "Illegal Value entered for log cycles!");
+    }
+  }
+  EXPECT_THROW(CalcLogCycles(1, 10, 1), Exception);
+  EXPECT_THROW(CalcLogCycles(1, 10, 0), Exception);
+}
+
+TEST(LogCycles, EachFullCycleTakesAnEqualBandInTheDirectionOfGrowingValues) {
+  auto Bottom = MakeAxis(calBottom, 10, 1000, {aoLogarithmic});
+  Bottom->SetLogCycles(true);
+  const TRect R{0, 0, 200, 20};
+  EXPECT_EQ(Bottom->AxisToPixel(10, R), 0);
+  EXPECT_EQ(Bottom->AxisToPixel(55, R), 75);
+  EXPECT_EQ(Bottom->AxisToPixel(100, R), 100);
+  EXPECT_EQ(Bottom->AxisToPixel(550, R), 175);
+  EXPECT_EQ(Bottom->AxisToPixel(1000, R), 200);
+
+  auto Left = MakeAxis(calLeft, 10, 1000, {aoLogarithmic});
+  Left->SetLogCycles(true);
+  const TRect V{0, 0, 20, 200};
+  EXPECT_EQ(Left->AxisToPixel(10, V), 200);
+  EXPECT_EQ(Left->AxisToPixel(55, V), 125);
+  EXPECT_EQ(Left->AxisToPixel(550, V), 25);
+  EXPECT_EQ(Left->AxisToPixel(1000, V), 0);
+}
+
+TEST(LogCycles, ABoundAtOrBelowZeroRaisesOutOfTheMapping) {
+  auto A = MakeAxis(calBottom, 0, 1000, {aoLogarithmic});
+  A->SetLogCycles(true);
+  EXPECT_THROW(A->AxisToPixel(5, Wide), Exception);
+  EXPECT_THROW(A->PixelToAxis(5, Wide, false), Exception);
+}
+
+// --- Half rectangles ---
+
+TEST(ChartAxis, HalfRectanglesNameTheHalfOfTheLowValues) {
+  auto Bottom = MakeAxis(calBottom, 0, 1);
+  EXPECT_EQ(Bottom->GetHalfRect({10, 0, 111, 50}, true), (TRect{10, 0, 60, 50}));
+  EXPECT_EQ(Bottom->GetHalfRect({10, 0, 111, 50}, false), (TRect{60, 0, 111, 50}));
+  auto Left = MakeAxis(calLeft, 0, 1);
+  EXPECT_EQ(Left->GetHalfRect({0, 10, 50, 111}, true), (TRect{0, 60, 50, 111}));
+  EXPECT_EQ(Left->GetHalfRect({0, 10, 50, 111}, false), (TRect{0, 10, 50, 60}));
+  EXPECT_EQ(Bottom->GetHalfRect({INT32_MIN, 0, INT32_MAX, 1}, true).Right, -1);
+}
+
+// --- Zoom and pan ---
+
+TEST(ChartAxisZoom, AroundACentreNearAnEndCutsThatEndOnly) {
+  auto A = MakeAxis(calBottom, 0, 100);
+  A->Zoom(90.0, 2.0f);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 65);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 100);
+  EXPECT_TRUE(A->Zooming());
+  EXPECT_DOUBLE_EQ(A->ZoomAmount(), 100.0 / 35);
+  A->Zoom(50.0, 4.0f);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 37.5);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 62.5);
+  for (float NoZoom : {1.0f, 0.5f, -3.0f, std::numeric_limits<float>::quiet_NaN()}) {
+    A->Zoom(50.0, 4.0f);
+    A->Zoom(10.0, NoZoom);
+    EXPECT_FALSE(A->Zooming());
+    EXPECT_EQ(A->ZoomMinimum(), 0);
+    EXPECT_EQ(A->ZoomMaximum(), 100);
+  }
+}
+
+TEST(ChartAxisZoom, ToARectangleTakesTheSidesAlongTheAxis) {
+  auto Bottom = MakeAxis(calBottom, 0, 100);
+  Bottom->Zoom(TRectF{70, 5, 30, 95});
+  EXPECT_DOUBLE_EQ(Bottom->ZoomMinimum(), 30);
+  EXPECT_DOUBLE_EQ(Bottom->ZoomMaximum(), 70);
+  auto Left = MakeAxis(calLeft, 0, 100);
+  Left->Zoom(TRectF{70, 5, 30, 95});
+  EXPECT_DOUBLE_EQ(Left->ZoomMinimum(), 5);
+  EXPECT_DOUBLE_EQ(Left->ZoomMaximum(), 95);
+  Left->Zoom(TRectF{0, -50, 0, 500});
+  EXPECT_EQ(Left->ZoomMinimum(), 0);
+  EXPECT_EQ(Left->ZoomMaximum(), 100);
+}
+
+TEST(ChartAxisZoom, ToAPixelAreaOfALocalAxisReadsTheChartsRectangle) {
+  TOwned<TKXChart> Chart(New<TKXChart>(nullptr));
+  Chart->SetBounds(0, 0, 200, 100);
+  TKXChartAxis* H = Chart->LocalHorizontalAxis();
+  TKXChartAxis* V = Chart->LocalVerticalAxis();
+  ASSERT_TRUE(Is<TKXLocalChartAxis>(H));
+  H->SetOptions({});
+  V->SetOptions({});
+  H->SetMaximum(100);
+  V->SetMaximum(100);
+  EXPECT_EQ(H->AxisToPixel(50.0), 100);
+  H->ZoomPixelArea({50, 0, 150, 100});
+  EXPECT_DOUBLE_EQ(H->ZoomMinimum(), 25);
+  EXPECT_DOUBLE_EQ(H->ZoomMaximum(), 75);
+  V->ZoomPixelArea({0, 20, 10, 80});
+  EXPECT_DOUBLE_EQ(V->ZoomMinimum(), 20);
+  EXPECT_DOUBLE_EQ(V->ZoomMaximum(), 80);
+  // Zoomed again inside the zoom; the pixels now read the zoomed range.
+  H->ZoomPixelArea({0, 0, 100, 100});
+  EXPECT_DOUBLE_EQ(H->ZoomMinimum(), 25);
+  EXPECT_DOUBLE_EQ(H->ZoomMaximum(), 50);
+  H->Unzoom();
+  EXPECT_FALSE(H->Zooming());
+}
+
+TEST(ChartAxisPan, KeepsTheSizeAndStopsAtTheEnd) {
+  auto A = MakeAxis(calBottom, 0, 100);
+  A->Zoom(TRectF{20, 0, 40, 0});
+  int Changes = 0;
+  A->SetOnChange([&](TObject*) { ++Changes; });
+  A->Pan(10.0);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 30);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 50);
+  A->Pan(500.0);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 80);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 100);
+  Changes = 0;
+  A->Pan(1.0); // at the end: nothing moves, the change is still reported
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 80);
+  EXPECT_EQ(Changes, 1);
+  A->Pan(-Inf);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 0);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 20);
+  A->Pan(NaN);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 0);
+  // Pixels: 10 of the hundred-pixel square are a tenth of the zoomed range.
+  A->Pan(int32_t{10});
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 2);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 22);
+  EXPECT_DOUBLE_EQ(A->UnboundPixelToAxis(-250, {0, 0, 100, 100}), -50);
+  EXPECT_EQ(A->UnboundPixelToAxis(7, {0, 0, 0, 0}), 0);
+}
+
+// --- Setters and their invariants ---
+
+TEST(ChartAxisRange, MinimumAboveMaximumMovesItAndEndsBothAutoOptions) {
+  auto A = MakeAxis(calLeft, 0, 10);
+  A->SetOptions(A->Options() + TAxisOptions{aoAutoMinimum, aoAutoMaximum});
+  A->SetMinimum(50);
+  EXPECT_EQ(A->Maximum(), 50);
+  EXPECT_EQ(A->ZoomMinimum(), 50);
+  EXPECT_EQ(A->ZoomMaximum(), 50);
+  EXPECT_FALSE(A->Options().Contains(aoAutoMinimum));
+  EXPECT_FALSE(A->Options().Contains(aoAutoMaximum));
+  A->SetMaximum(-5);
+  EXPECT_EQ(A->Minimum(), -5);
+}
+
+TEST(ChartAxisRange, AZoomSurvivesAWiderRangeAndIsClampedByANarrowerOne) {
+  auto A = MakeAxis(calBottom, 0, 100);
+  A->Zoom(TRectF{20, 0, 60, 0});
+  A->SetMaximum(200);
+  EXPECT_EQ(A->ZoomMaximum(), 60);
+  A->SetMaximum(50);
+  EXPECT_EQ(A->ZoomMaximum(), 50);
+  A->SetMinimum(30);
+  EXPECT_EQ(A->ZoomMinimum(), 30);
+  A->SetZoomMinimum(-10);
+  EXPECT_EQ(A->ZoomMinimum(), 30);
+  A->SetZoomMinimum(45);
+  A->SetZoomMaximum(40); // below the zoomed minimum: the minimum follows
+  EXPECT_EQ(A->ZoomMinimum(), 40);
+  EXPECT_EQ(A->ZoomMaximum(), 40);
+}
+
+TEST(ChartAxisRange, ZoomingIsDecidedWithinTheToleranceOfSameValue) {
+  auto A = MakeAxis(calBottom, 0, 1e6);
+  A->SetZoomMaximum(1e6 * (1 - 1e-13));
+  EXPECT_FALSE(A->Zooming());
+  A->SetZoomMaximum(1e6 * (1 - 1e-9));
+  EXPECT_TRUE(A->Zooming());
+}
+
+TEST(ChartAxisRange, AnySequenceOfSettersKeepsTheInvariants) {
+  std::mt19937 Rng(20261123);
+  std::uniform_real_distribution<double> Num(-1000, 1000);
+  std::uniform_int_distribution<int> Op(0, 9), Pct(-50, 150);
+  auto A = MakeAxis(calBottom, 0, 1);
+  for (int Step = 0; Step < 20000; ++Step) {
+    const int Which = Op(Rng);
+    switch (Which) {
+    case 0:
+      A->SetMinimum(Num(Rng));
+      break;
+    case 1:
+      A->SetMaximum(Num(Rng));
+      break;
+    case 2:
+      A->SetZoomMinimum(Num(Rng));
+      break;
+    case 3:
+      A->SetZoomMaximum(Num(Rng));
+      break;
+    case 4:
+      A->Zoom(Num(Rng), static_cast<float>(Num(Rng) / 100));
+      break;
+    case 5:
+      A->Pan(Num(Rng));
+      break;
+    case 6:
+      A->Zoom(TRectF{float(Num(Rng)), 0, float(Num(Rng)), 0});
+      break;
+    case 7:
+      A->ZoomPixelArea({Pct(Rng), 0, Pct(Rng), 10});
+      break;
+    case 8:
+      A->SetStartPosition(Pct(Rng));
+      break;
+    default:
+      A->SetEndPosition(Pct(Rng));
+      break;
+    }
+    ASSERT_LE(A->Minimum(), A->Maximum()) << "step " << Step;
+    ASSERT_LE(A->Minimum(), A->ZoomMinimum()) << "step " << Step;
+    ASSERT_LE(A->ZoomMinimum(), A->ZoomMaximum()) << "step " << Step << " op " << Which;
+    ASSERT_LE(A->ZoomMaximum(), A->Maximum()) << "step " << Step;
+    ASSERT_LE(A->StartPosition(), A->EndPosition()) << "step " << Step;
+    ASSERT_EQ(A->Zooming(), !SameValue(A->Minimum(), A->ZoomMinimum()) ||
+                                !SameValue(A->Maximum(), A->ZoomMaximum()));
+  }
+}
+
+TEST(ChartAxisRange, OtherSettersClampAndFollow) {
+  auto A = MakeAxis(calBottom, 0, 1);
+  A->SetEndPosition(60);
+  A->SetStartPosition(80);
+  EXPECT_EQ(A->EndPosition(), 80);
+  A->SetEndPosition(10);
+  EXPECT_EQ(A->StartPosition(), 10);
+  A->SetMinSeparationPct(-4);
+  EXPECT_EQ(A->MinSeparationPct(), 0);
+  A->SetMinStepIncrement(-0.5);
+  EXPECT_EQ(A->MinStepIncrement(), 0);
+  EXPECT_EQ(A->Dimension(), 0);
+  A->SetLocation(calRight);
+  EXPECT_EQ(A->Dimension(), 1);
+  A->SetOptions({aoAutoMaximum});
+  EXPECT_TRUE(A->NeedAxisUpdate());
+}
+
+// --- Title, labels and grid in step with the options ---
+
+TEST(ChartAxisOptions, ShowOptionsAndVisibilityFollowEachOther) {
+  auto A = MakeAxis(calBottom, 0, 1);
+  A->SetOptions(A->Options() - TAxisOptions{aoShowTitle, aoShowLabels, aoShowGrid});
+  EXPECT_FALSE(A->Title()->Visible());
+  EXPECT_FALSE(A->Labels()->Visible());
+  EXPECT_FALSE(A->Grid()->Visible());
+  A->Title()->SetVisible(true);
+  EXPECT_TRUE(A->Options().Contains(aoShowTitle));
+  A->Labels()->SetVisible(true);
+  EXPECT_TRUE(A->Options().Contains(aoShowLabels));
+  A->Grid()->SetVisible(true);
+  EXPECT_TRUE(A->Options().Contains(aoShowGrid));
+  A->Title()->SetVisible(false);
+  EXPECT_FALSE(A->Options().Contains(aoShowTitle));
+  EXPECT_TRUE(A->Options().Contains(aoShowLabels));
+}
+
+TEST(ChartAxisOptions, ChangesOfPartsReachTheOwner) {
+  auto A = MakeAxis(calBottom, 0, 1);
+  int Changes = 0;
+  A->SetOnChange([&](TObject*) { ++Changes; });
+  A->Title()->SetText("Time");
+  A->Labels()->Font()->SetSize(11);
+  A->Grid()->SetOpacity(0.5f);
+  EXPECT_EQ(Changes, 3);
+}
+
+// --- Assign ---
+
+TEST(ChartAxisAssign, CopiesWhatItShouldAndNotWhatItShouldNot) {
+  auto Source = MakeAxis(calBottom, -5, 50, {aoReversed, aoLogarithmic});
+  Source->SetOptions(Source->Options() - aoShowTitle);
+  Source->Zoom(TRectF{0, 0, 20, 0});
+  Source->SetEndPosition(90);
+  Source->SetStartPosition(10);
+  Source->SetInwardPosition(40);
+  Source->SetMinSeparationPct(3);
+  Source->SetTitleMargin(9);
+  Source->SetMinStepIncrement(0.5);
+  Source->SetLabelStyle(alsCaption);
+  Source->SetLogBase(2);
+  Source->SetLogCycles(true);
+  Source->SetFormat("0.00");
+  Source->SetDateTimeFormat("yyyy");
+  Source->Title()->SetText("Depth");
+  Source->Labels()->SetAngle(45);
+  Source->Brush()->SetColor(clAqua);
+  Source->SetLabelIncrement(5);
+  Source->SetLogarithmicType(ltCompositeSecond);
+  Source->SetSnapGrid(false);
+  TOwned<TKXChart> Chart(New<TKXChart>(nullptr));
+  Source->Charts()->Add(Chart.get());
+
+  auto Target = MakeAxis(calLeft, 0, 1);
+  Target->Assign(Source.get());
+  EXPECT_EQ(Target->Minimum(), -5);
+  EXPECT_EQ(Target->Maximum(), 50);
+  EXPECT_EQ(Target->ZoomMinimum(), 0);
+  EXPECT_EQ(Target->ZoomMaximum(), 20);
+  EXPECT_TRUE(Target->Zooming());
+  EXPECT_EQ(Target->Options(), Source->Options());
+  EXPECT_FALSE(Target->Title()->Visible());
+  EXPECT_EQ(Target->StartPosition(), 10);
+  EXPECT_EQ(Target->EndPosition(), 90);
+  EXPECT_EQ(Target->InwardPosition(), 40);
+  EXPECT_EQ(Target->MinSeparationPct(), 3);
+  EXPECT_EQ(Target->TitleMargin(), 9);
+  EXPECT_EQ(Target->MinStepIncrement(), 0.5);
+  EXPECT_EQ(Target->LabelStyle(), alsCaption);
+  EXPECT_EQ(Target->LogBase(), 2);
+  EXPECT_TRUE(Target->LogCycles());
+  EXPECT_EQ(Target->Format(), "0.00");
+  EXPECT_EQ(Target->DateTimeFormat(), "yyyy");
+  EXPECT_EQ(Target->Title()->Text(), "Depth");
+  EXPECT_EQ(Target->Labels()->Angle(), 45);
+  EXPECT_EQ(Target->Brush()->Color(), clAqua);
+  ASSERT_EQ(Target->Charts()->Count(), 1);
+  EXPECT_EQ(Target->Charts()->Items(0), Chart.get());
+  // Not copied.
+  EXPECT_EQ(Target->LabelIncrement(), 0);
+  EXPECT_EQ(Target->LogarithmicType(), ltLogarithmic);
+  EXPECT_TRUE(Target->SnapGrid());
+  EXPECT_EQ(Target->Location(), calLeft);
+  // The copied base is the one mapped with.
+  Target->SetLogCycles(false);
+  Target->SetLocation(calBottom);
+  Source->SetLogCycles(false);
+  Source->SetLogarithmicType(ltLogarithmic);
+  EXPECT_EQ(Target->AxisToPixel(7, Wide), Source->AxisToPixel(7, Wide));
+}
+
+TEST(ChartAxisAssign, CloneMakesAnAxisWithTheSameRange) {
+  auto A = MakeAxis(calBottom, 3, 9);
+  TOwned<TKXChartGraphic> C = A->Clone();
+  ASSERT_TRUE(Is<TKXChartAxis>(C.get()));
+  EXPECT_EQ(static_cast<TKXChartAxis*>(C.get())->Maximum(), 9);
+}
+
+// --- Fonts ---
+
+TEST(ChartAxisFonts, TitleAndLabelsFollowTheFontOfWhatTheyBelongTo) {
+  TOwned<TKXChartPanel> Panel(New<TKXChartPanel>(nullptr));
+  Panel->Font()->SetName("DejaVu Serif");
+  TOwned<TKXChartAxis> A(New<TKXChartAxis>(Panel.get()));
+  EXPECT_EQ(A->Title()->Font()->Name(), "DejaVu Serif");
+  A->Title()->Font()->SetColor(clRed);
+  Panel->Font()->SetSize(14);
+  Panel->Font()->SetColor(clGreen);
+  // What the panel does when its font changes.
+  A->Title()->Font()->ChangeBaseFont(Panel->Font());
+  A->Labels()->Font()->ChangeBaseFont(Panel->Font());
+  EXPECT_EQ(A->Title()->Font()->Size(), 14);
+  EXPECT_EQ(A->Title()->Font()->Color(), clRed);
+  EXPECT_EQ(A->Labels()->Font()->Color(), clGreen);
+
+  TOwned<TKXChart> Chart(New<TKXChart>(nullptr));
+  Chart->Font()->SetName("DejaVu Sans Mono");
+  TOwned<TKXLocalChartAxis> Local(New<TKXLocalChartAxis>(Chart.get()));
+  EXPECT_EQ(Local->Labels()->Font()->Name(), "DejaVu Sans Mono");
+}
+
+// --- Stored properties ---
+
+class TAxisForm : public TComponent {
+  KX_CLASS(TAxisForm, TComponent)
+public:
+  using TComponent::TComponent;
+  TKXChartAxis* Axis() const { return FAxis.get(); }
+
+protected:
+  void DefineProperties(TFiler& Filer) override {
+    inherited::DefineProperties(Filer);
+    Filer.Property("Axis", this, &TAxisForm::Axis);
+  }
+
+private:
+  TOwned<TKXChartAxis> FAxis{New<TKXChartAxis>(nullptr)};
+};
+
+TEST(ChartAxisStreaming, AnAutomaticAxisWithAStoredMaximumStaysAutomatic) {
+  RegisterClasses({ClassOf<TAxisForm>()});
+  auto Form = MakeOwned<TAxisForm>(nullptr);
+  Form->SetName("Form1");
+  TKXChartAxis* A = Form->Axis();
+  A->SetMaximum(5);
+  A->SetMinimum(-2);
+  A->SetOptions(A->Options() + TAxisOptions{aoAutoMinimum, aoAutoMaximum});
+  const std::string Json = SaveFormToString(Form.get());
+  EXPECT_LT(Json.find("\"Maximum\""), Json.find("\"Options\""));
+  EXPECT_LT(Json.find("\"Minimum\""), Json.find("\"Options\""));
+
+  auto Copy = MakeOwned<TAxisForm>(nullptr);
+  LoadFormFromString(Copy.get(), Json);
+  EXPECT_EQ(Copy->Axis()->Maximum(), 5);
+  EXPECT_EQ(Copy->Axis()->Minimum(), -2);
+  EXPECT_TRUE(Copy->Axis()->Options().Contains(aoAutoMaximum));
+  EXPECT_TRUE(Copy->Axis()->Options().Contains(aoAutoMinimum));
+}
+
+TEST(ChartAxisStreaming, EveryStoredPropertyRoundTrips) {
+  RegisterClasses({ClassOf<TAxisForm>()});
+  auto Form = MakeOwned<TAxisForm>(nullptr);
+  Form->SetName("Form1");
+  TKXChartAxis* A = Form->Axis();
+  A->SetMaximum(-10);
+  A->SetMinimum(-40);
+  A->Zoom(TRectF{0, -30, 0, -20}); // a left axis reads Top and Bottom
+  A->SetOptions({aoReversed, aoLogarithmic, aoShowGrid});
+  A->SetLogBase(2);
+  A->SetLogCycles(true);
+  A->SetLogarithmicType(ltInverseLogarithmic);
+  A->SetLabelIncrement(2.5);
+  A->SetLabelStyle(alsValue);
+  A->SetFormat("0.0");
+  A->SetDateTimeFormat("hh:nn");
+  A->SetEndPosition(70);
+  A->SetStartPosition(20);
+  A->SetInwardPosition(50);
+  A->SetMinSeparationPct(4);
+  A->SetMinStepIncrement(0.25);
+  A->SetSnapGrid(false);
+  A->SetTitleMargin(6);
+  A->Title()->SetText("Depth");
+  A->Title()->Font()->SetColor(clWindowText);
+  A->Labels()->SetAlignment(taRightJustify);
+  A->Pen()->SetWidth(2);
+  A->SetOpacity(0.75f);
+  const std::string Json = SaveFormToString(Form.get());
+
+  auto Copy = MakeOwned<TAxisForm>(nullptr);
+  LoadFormFromString(Copy.get(), Json);
+  TKXChartAxis* B = Copy->Axis();
+  EXPECT_EQ(B->Minimum(), -40);
+  EXPECT_EQ(B->Maximum(), -10);
+  EXPECT_EQ(B->ZoomMinimum(), -30);
+  EXPECT_EQ(B->ZoomMaximum(), -20);
+  EXPECT_TRUE(B->Zooming());
+  EXPECT_EQ(B->Options(), A->Options());
+  EXPECT_FALSE(B->Title()->Visible());
+  EXPECT_FALSE(B->Labels()->Visible());
+  EXPECT_EQ(B->LogBase(), 2);
+  EXPECT_TRUE(B->LogCycles());
+  EXPECT_EQ(B->LogarithmicType(), ltInverseLogarithmic);
+  EXPECT_EQ(B->LabelIncrement(), 2.5);
+  EXPECT_EQ(B->LabelStyle(), alsValue);
+  EXPECT_EQ(B->Format(), "0.0");
+  EXPECT_EQ(B->DateTimeFormat(), "hh:nn");
+  EXPECT_EQ(B->StartPosition(), 20);
+  EXPECT_EQ(B->EndPosition(), 70);
+  EXPECT_EQ(B->InwardPosition(), 50);
+  EXPECT_EQ(B->MinSeparationPct(), 4);
+  EXPECT_EQ(B->MinStepIncrement(), 0.25);
+  EXPECT_FALSE(B->SnapGrid());
+  EXPECT_EQ(B->TitleMargin(), 6);
+  EXPECT_EQ(B->Title()->Text(), "Depth");
+  EXPECT_EQ(B->Title()->Font()->Color(), clWindowText);
+  EXPECT_EQ(B->Labels()->Alignment(), taRightJustify);
+  EXPECT_EQ(B->Pen()->Width(), 2);
+  EXPECT_FLOAT_EQ(B->Opacity(), 0.75f);
+  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
+}
+
+// --- Bad input ---
+
+struct TBadRange {
+  const char* Name;
+  double Min, Max;
+};
+
+void PrintTo(const TBadRange& B, std::ostream* Os) {
+  *Os << B.Name;
+}
+
+class ChartAxisBadInput : public ::testing::TestWithParam<TBadRange> {};
+
+// Every mapping and zoom gives a defined answer: pixels within the canvas limit, values
+// within the range where the range has any, and UBSan stays quiet.
+TEST_P(ChartAxisBadInput, MappingAndZoomingStayDefined) {
+  const double Values[] = {NaN, Inf, -Inf, 1e308, -1e308, 0, 1e-300, 0.5, -7};
+  const TRect Rects[] = {{0, 0, 400, 300},
+                         {0, 0, 0, 0},
+                         {100, 100, -50, -50},
+                         {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}};
+  const int32_t Pixels[] = {INT32_MIN, -1, 0, 150, INT32_MAX};
+  const bool Finite = std::isfinite(GetParam().Min) && std::isfinite(GetParam().Max);
+  for (TKXChartAxisLocation L : {calBottom, calLeft})
+    for (TAxisOptions O : {TAxisOptions{}, Log, LogRev})
+      for (TKXLogarithmicType T : {ltLogarithmic, ltInverseLogarithmic, ltCompositeFirst})
+        for (int32_t Base : {10, 1, 0, -3})
+          for (bool Cycles : {false, true}) {
+            auto A = MakeAxis(L, 0, 1, O);
+            A->SetMaximum(GetParam().Max);
+            A->SetMinimum(GetParam().Min);
+            A->SetLogarithmicType(T);
+            A->SetLogBase(Base);
+            A->SetLogCycles(Cycles && O.Contains(aoLogarithmic));
+            const bool Linear = !O.Contains(aoLogarithmic);
+            try {
+              for (const TRect& R : Rects) {
+                for (double V : Values) {
+                  const int32_t P = A->AxisToPixel(V, R);
+                  ASSERT_LE(std::abs(int64_t(P)), int64_t(KXMaxCanvasInt));
+                }
+                for (int32_t P : Pixels) {
+                  const double V = A->PixelToAxis(P, R, false);
+                  if (Finite && (Linear || Base == 10)) {
+                    ASSERT_GE(V, A->ZoomMinimum())
+                        << GetEnumName(L) << " " << O.Bits() << " " << GetEnumName(T) << " " << Base
+                        << " pixel " << P << " rect " << R.Right;
+                    ASSERT_LE(V, A->ZoomMaximum());
+                  }
+                }
+              }
+            } catch (const Exception& E) {
+              // Only a log-cycle axis may refuse its range.
+              ASSERT_TRUE(A->LogCycles()) << E.Message();
+            }
+            A->SetOnChange(nullptr);
+            if (A->LogCycles()) continue;
+            A->Zoom(0.25, 3.0f);
+            A->Zoom(NaN, 2.0f);
+            A->Zoom(TRectF{-1e30f, 0, 1e30f, 0});
+            A->ZoomPixelArea({INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
+            A->Pan(1e308);
+            A->Pan(NaN);
+            A->Pan(int32_t{INT32_MAX});
+            if (Finite) {
+              ASSERT_LE(A->Minimum(), A->ZoomMinimum());
+              ASSERT_LE(A->ZoomMinimum(), A->ZoomMaximum());
+              ASSERT_LE(A->ZoomMaximum(), A->Maximum());
+            }
+          }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ranges, ChartAxisBadInput,
+    ::testing::Values(TBadRange{"NaNMinimum", NaN, 1}, TBadRange{"NaNMaximum", 0, NaN},
+                      TBadRange{"Infinite", -Inf, Inf}, TBadRange{"Huge", -1e308, 1e308},
+                      TBadRange{"HugeEqual", 1e308, 1e308}, TBadRange{"Tiny", 0, 1e-300},
+                      TBadRange{"Empty", 5, 5}, TBadRange{"Negative", -1e6, -1e-6}));
+
+} // namespace
+
+} // namespace kx
