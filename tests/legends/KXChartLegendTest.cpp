@@ -219,18 +219,6 @@ INSTANTIATE_TEST_SUITE_P(Setters, LegendClamps,
                            return std::string(I.param.Name);
                          });
 
-TEST(ChartLegend, StartsAsTheDefaultsSay) {
-  auto L = MakeOwned<TKXChartLegend>();
-  EXPECT_EQ(L->Alignment(), taLeftJustify);
-  EXPECT_EQ(L->Align(), laRight);
-  EXPECT_EQ(L->Margins()->Rect(), (TRect{3, 4, 3, 4}));
-  EXPECT_EQ(L->Brush()->Color(), clWhite);
-  EXPECT_EQ(L->Brush()->Style(), bsSolid);
-  EXPECT_TRUE(L->Shadow()->Visible());
-  EXPECT_EQ(L->TextVerticalAlign(), taVerticalCenter);
-  EXPECT_TRUE(L->NeedsUpdate());
-}
-
 TEST(ChartLegend, NegativeMarginsBecomeZeroWithOneChange) {
   auto L = MakeOwned<TKXChartLegend>();
   int Changes = 0;
@@ -520,13 +508,6 @@ TEST_F(LegendDrawing, LinesFlowIntoColumnsAtTheBottom) {
   EXPECT_EQ(At(R.Left + 8, GY), clRed);
   EXPECT_EQ(At(R.Left + 3 + Longest + 10 + 3 + 3 + 10 + 5, GY), clBlue)
       << "the second line stands in the same row, one step to the right";
-}
-
-TEST_F(LegendDrawing, FirstIndexScrollsTheCharts) {
-  Legend->SetFirstIndex(1);
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
-  EXPECT_EQ(At(R.Left + 8, R.Top + 4 + TH / 2), clBlue);
 }
 
 TEST_F(LegendDrawing, TheRowWalkStopsOneRowShortOfMaxRows) {
