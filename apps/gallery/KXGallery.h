@@ -27,5 +27,6 @@ void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesyste
 void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
 void AddControlsSheets(std::vector<TGallerySheet>& Sheets);
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets);
+void AddLegendSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddToolkitSheets(Sheets);
   kx::gallery::AddControlsSheets(Sheets);
   kx::gallery::AddElementsSheets(Sheets);
+  kx::gallery::AddLegendSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {

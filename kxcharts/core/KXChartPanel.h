@@ -1,8 +1,9 @@
 #pragma once
-// The chart core in one include: values, listeners, graphic elements, the chart base and
-// the chart panel.
+// The chart core in one include: values, listeners, graphic elements, layers, the chart
+// base and the chart panel.
 
 #include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartLayer.h"
 #include "kxcharts/core/KXChartListeners.h"
 #include "kxcharts/core/KXChartValues.h"
 #include "kxcharts/core/KXCustomChart.h"

@@ -19,6 +19,7 @@ void TKXCustomChartPanel::AfterConstruction() {
   FLeftAxis = CreateAxis(calLeft);
   FRightAxis = CreateAxis(calRight);
   FTopAxis = CreateAxis(calTop);
+  FLegend = CreateLegend();
   FChartShadow = CreateShadow();
   FCharts = MakeOwned<TKXChartList>(this);
   FCharts->SetOnNotify([this](TObject* Sender, TKXCustomChart* Chart, TListNotification Action) {
@@ -38,6 +39,12 @@ TOwned<TKXChartAxis> TKXCustomChartPanel::CreateAxis(TKXChartAxisLocation Locati
   return Axis;
 }
 
+TOwned<TKXChartLegend> TKXCustomChartPanel::CreateLegend() {
+  auto Legend = MakeOwned<TKXChartLegend>(this);
+  Legend->SetOnChange([this](TObject* Sender) { SenderChanged(Sender); });
+  return Legend;
+}
+
 TOwned<TKXChartShadow> TKXCustomChartPanel::CreateShadow() {
   auto Shadow = MakeOwned<TKXChartShadow>();
   Shadow->SetSize(2);
@@ -55,12 +62,14 @@ void TKXCustomChartPanel::BeforeDestruction() {
   FOnDeleteChart = nullptr;
   FOnDrawCharts = nullptr;
   FOnDrawingCharts = nullptr;
+  FOnGetLegendStrings = nullptr;
   // Every chart leaves while the axes still stand, and falls back to its local axes.
   if (FCharts) FCharts->Clear();
   FBottomAxis.reset();
   FTopAxis.reset();
   FLeftAxis.reset();
   FRightAxis.reset();
+  FLegend.reset();
   FCharts.reset();
   FListeners.reset();
   FChartShadow.reset();
@@ -116,15 +125,12 @@ TColor TKXCustomChartPanel::GetChartColor() const {
   return FChartColorList[static_cast<size_t>(ColorListIndex++)];
 }
 
-void TKXCustomChartPanel::SetLegendStyle(TKXLegendStyle Value) {
-  if (FLegendStyle == Value) return;
-  FLegendStyle = Value;
-  FLegendNeedsUpdate = true;
-  SenderChanged(this);
+bool TKXCustomChartPanel::IsLegendShowingCharts() const {
+  return FLegend && FLegend->IsShowingCharts();
 }
 
-bool TKXCustomChartPanel::IsLegendShowingCharts() const {
-  return kx::IsLegendShowingCharts(this, FLegendStyle);
+void TKXCustomChartPanel::GetLegendStrings(TStrings* Strings) {
+  if (FOnGetLegendStrings) FOnGetLegendStrings(this, Strings);
 }
 
 // --- Colours ---
@@ -252,7 +258,7 @@ void TKXCustomChartPanel::ChartListNotify(TObject*, TKXCustomChart* Chart,
 void TKXCustomChartPanel::ChartAdded(TKXCustomChart* Chart) {
   FListeners->ChartAdded(Chart);
   if (FOnAddChart) FOnAddChart(this, Chart);
-  FLegendNeedsUpdate = true;
+  if (FLegend) FLegend->SetNeedsUpdate(true);
   Invalidate();
   Changed();
 }
@@ -260,17 +266,17 @@ void TKXCustomChartPanel::ChartAdded(TKXCustomChart* Chart) {
 void TKXCustomChartPanel::ChartDeleted(TKXCustomChart* Chart) {
   FListeners->ChartDeleted(Chart);
   if (FOnDeleteChart) FOnDeleteChart(this, Chart);
-  FLegendNeedsUpdate = true;
+  if (FLegend) FLegend->SetNeedsUpdate(true);
   Invalidate();
   Changed();
 }
 
 void TKXCustomChartPanel::UpdateLegend(TKXCustomChart* Chart, TKXChartValue* Value) {
-  if (FLegendNeedsUpdate) return;
-  if (IsLegendShowingCharts())
-    FLegendNeedsUpdate = Value == nullptr;
+  if (!FLegend || FLegend->NeedsUpdate()) return;
+  if (FLegend->IsShowingCharts())
+    FLegend->SetNeedsUpdate(Value == nullptr);
   else
-    FLegendNeedsUpdate = Chart && Chart == FCharts->ActiveChart();
+    FLegend->SetNeedsUpdate(Chart && Chart == FCharts->ActiveChart());
 }
 
 void TKXCustomChartPanel::SenderChanged(TObject*) {
@@ -308,6 +314,7 @@ void TKXChartPanel::DefineProperties(TFiler& Filer) {
   Filer.Property("TopAxis", this, &TKXChartPanel::TopAxis);
   Filer.Property("LeftAxis", this, &TKXChartPanel::LeftAxis);
   Filer.Property("RightAxis", this, &TKXChartPanel::RightAxis);
+  Filer.Property("Legend", this, &TKXChartPanel::Legend);
   Filer.Property("SelectionColor", this, &TKXChartPanel::SelectionColor,
                  &TKXChartPanel::SetSelectionColor, clActiveBorder);
 }

@@ -5,9 +5,10 @@
 // the change road: every change of a chart or of an element it owns reaches its
 // listeners and events and repaints it. TKXChartPanel publishes it.
 //
-// This is the panel's first form: it has the charts, axes, colours, listeners, the change
-// road and the drawing of the charts in a plot rectangle; the layout of header, footer,
-// legend, layers and axes, and the mouse, are not here yet (Paint draws the frame only).
+// This is the panel's first form: it has the charts, axes, legend, colours, listeners, the
+// change road and the drawing of the charts in a plot rectangle; the layout of header,
+// footer, legend, layers and axes, and the mouse, are not here yet (Paint draws the frame
+// only).
 
 #include <cstdint>
 #include <string>
@@ -16,6 +17,7 @@
 #include "kxcharts/core/KXChartGraphic.h"
 #include "kxcharts/core/KXChartListeners.h"
 #include "kxcharts/core/KXCustomChart.h"
+#include "kxcharts/legends/KXChartLegend.h"
 #include "kxcharts/toolkit/KXCanvas.h"
 #include "kxcharts/toolkit/KXCommonCharts.h"
 #include "kxcharts/toolkit/KXControls.h"
@@ -49,10 +51,8 @@ protected:
   TKXColorScheme FChartColorScheme = schDefault;
   TColorList FChartColorList = DefaultColorList;
   TOwned<TChartPanelListeners> FListeners;
-  // What the legend lists and whether it must gather its lines again; the legend itself
-  // takes these over.
-  TKXLegendStyle FLegendStyle = lsAuto;
-  bool FLegendNeedsUpdate = true;
+  TOwned<TKXChartLegend> FLegend;
+  TGetStringsEvent FOnGetLegendStrings;
 
 public:
   explicit TKXCustomChartPanel(TComponent* AOwner);
@@ -86,11 +86,9 @@ public:
   void SetSelectionColor(TColor Value);
   TChartPanelListeners* Listeners() const { return FListeners.get(); }
   void SetListeners(const TChartPanelListeners* Value) { FListeners->Assign(Value); }
-  TKXLegendStyle LegendStyle() const { return FLegendStyle; }
-  void SetLegendStyle(TKXLegendStyle Value);
-  // Raised when the legend must gather its lines again; the legend lowers it.
-  bool LegendNeedsUpdate() const { return FLegendNeedsUpdate; }
-  void SetLegendNeedsUpdate(bool Value) { FLegendNeedsUpdate = Value; }
+  TKXChartLegend* Legend() const { return FLegend.get(); }
+  // Assigns into the owned legend.
+  void SetLegend(const TKXChartLegend* Value) { FLegend->Assign(Value); }
 
   // --- Events ---
   const TKXChartEvent& OnAddChart() const { return FOnAddChart; }
@@ -113,6 +111,9 @@ public:
   }
   const TNotifyEvent& OnChange() const { return FOnChange; }
   void SetOnChange(TNotifyEvent Value) { FOnChange = std::move(Value); }
+  // Raised while the legend gathers its lines, after the legend's own event.
+  const TGetStringsEvent& OnGetLegendStrings() const { return FOnGetLegendStrings; }
+  void SetOnGetLegendStrings(TGetStringsEvent Value) { FOnGetLegendStrings = std::move(Value); }
   const TKXChartDrawingEvent& OnDrawingCharts() const { return FOnDrawingCharts; }
   void SetOnDrawingCharts(TKXChartDrawingEvent Value) { FOnDrawingCharts = std::move(Value); }
   const TKXChartDrawEvent& OnDrawCharts() const { return FOnDrawCharts; }
@@ -142,6 +143,8 @@ public:
   // OnDrawingCharts agrees; on the panel's own canvas clipped to ARect. The clip and each
   // chart's paint flag are put back also when a handler raises.
   virtual void DrawCharts(TCanvas* Canvas, const TRect& ARect);
+  // Raises OnGetLegendStrings; the legend calls it when it gathers its lines.
+  virtual void GetLegendStrings(TStrings* Strings);
   // Decides whether the legend must gather its lines again after a change of Chart (or of
   // its Value): when it lists charts and the chart itself changed, or when it lists
   // values and the chart is the active one. A raised flag stays raised.
@@ -178,6 +181,8 @@ protected:
   // start visible, right and top invisible.
   virtual TOwned<TKXChartAxis> CreateAxis(TKXChartAxisLocation Location);
   virtual TOwned<TKXChartShadow> CreateShadow();
+  // Makes the legend of this panel; a descendant swaps the class here.
+  virtual TOwned<TKXChartLegend> CreateLegend();
   virtual void ChartListNotify(TObject* Sender, TKXCustomChart* Chart, TListNotification Action);
   virtual void ChartAdded(TKXCustomChart* Chart);
   virtual void ChartDeleted(TKXCustomChart* Chart);
@@ -194,7 +199,7 @@ public:
   using TKXCustomChartPanel::TKXCustomChartPanel;
 
 protected:
-  // ChartColorScheme, ChartShadow, BottomAxis, TopAxis, LeftAxis, RightAxis,
+  // ChartColorScheme, ChartShadow, BottomAxis, TopAxis, LeftAxis, RightAxis, Legend,
   // SelectionColor.
   void DefineProperties(TFiler& Filer) override;
 };

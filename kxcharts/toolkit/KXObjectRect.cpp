@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "kxcharts/toolkit/KXStreaming.h"
+
 namespace kx {
 
 // --- TKXObjectRect ---
@@ -42,6 +44,14 @@ void TKXObjectRect::Assign(const TPersistent* Source) {
 
 void TKXObjectRect::Changed() {
   if (FOnChange) FOnChange(this);
+}
+
+void TKXObjectRect::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Left", this, &TKXObjectRect::Left, &TKXObjectRect::SetLeft, FStart.Left);
+  Filer.Property("Top", this, &TKXObjectRect::Top, &TKXObjectRect::SetTop, FStart.Top);
+  Filer.Property("Right", this, &TKXObjectRect::Right, &TKXObjectRect::SetRight, FStart.Right);
+  Filer.Property("Bottom", this, &TKXObjectRect::Bottom, &TKXObjectRect::SetBottom, FStart.Bottom);
 }
 
 // --- TKXPosition ---

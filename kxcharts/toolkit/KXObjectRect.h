@@ -12,13 +12,17 @@ namespace kx {
 
 // Left, top, right and bottom, read as four independent sides (margins in pixels or per
 // cent), not as a rectangle in normal form: no side is reordered or clamped.
+//
+// Stored as Left, Top, Right and Bottom against the sides it was made with: an owner that
+// starts its margins at (3, 4, 3, 4) writes only the sides that differ from those, and
+// nothing at all while none does, and reads them back into margins made the same way.
 class TKXObjectRect : public TPersistent {
   KX_CLASS(TKXObjectRect, TPersistent)
 
 public:
   TKXObjectRect() = default;
   explicit TKXObjectRect(const TRect& R)
-      : FLeft(R.Left), FTop(R.Top), FRight(R.Right), FBottom(R.Bottom) {}
+      : FLeft(R.Left), FTop(R.Top), FRight(R.Right), FBottom(R.Bottom), FStart(R) {}
 
   int32_t Left() const { return FLeft; }
   void SetLeft(int32_t Value);
@@ -41,12 +45,16 @@ public:
 protected:
   // Raises OnChange; runs after every effective change.
   virtual void Changed();
+  // Left, Top, Right, Bottom, each with the side it was made with as its default.
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   int32_t FLeft = 0;
   int32_t FTop = 0;
   int32_t FRight = 0;
   int32_t FBottom = 0;
+  // The sides the owner made it with: what a stored form leaves out.
+  TRect FStart;
   TNotifyEvent FOnChange;
 };
 

@@ -563,6 +563,14 @@ void TWriter::WriteString(const std::string& Value) {
 void TWriter::WriteBoolean(bool Value) {
   PutDefined(FState->Defined, FState->DefinedWritten, Value);
 }
+void TWriter::WriteStrings(std::span<const std::string> Values) {
+  TJson Array = TJson::array();
+  for (const std::string& V : Values) {
+    if (!IsValidUtf8(V)) FState->Fail("the text is not valid UTF-8");
+    Array.push_back(V);
+  }
+  PutDefined(FState->Defined, FState->DefinedWritten, std::move(Array));
+}
 
 // --- TReader ---
 
@@ -856,6 +864,19 @@ bool TReader::ReadBoolean() {
   const TJson& J = DefinedValue(FState->Defined);
   if (!J.is_boolean()) FState->Fail(std::string("expected true or false, found ") + JsonKind(J));
   return J.get<bool>();
+}
+
+std::vector<std::string> TReader::ReadStrings() {
+  const TJson& J = DefinedValue(FState->Defined);
+  if (!J.is_array()) FState->Fail(std::string("expected an array of texts, found ") + JsonKind(J));
+  std::vector<std::string> Result;
+  Result.reserve(J.size());
+  for (const TJson& Item : J) {
+    if (!Item.is_string())
+      FState->Fail(std::string("expected a text in the array, found ") + JsonKind(Item));
+    Result.push_back(Item.get<std::string>());
+  }
+  return Result;
 }
 
 // --- TReader: the form ---

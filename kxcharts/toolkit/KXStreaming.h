@@ -392,6 +392,8 @@ public:
   void WriteFloat(double Value);
   void WriteString(const std::string& Value);
   void WriteBoolean(bool Value);
+  // A list of texts, as one array: each text whole, line breaks and all.
+  void WriteStrings(std::span<const std::string> Values);
 
 protected:
   void WriteValue(std::string_view Name, const TStoredType& Type,
@@ -426,6 +428,8 @@ public:
   double ReadFloat();
   std::string ReadString();
   bool ReadBoolean();
+  // The array WriteStrings wrote.
+  std::vector<std::string> ReadStrings();
 
 protected:
   void ReadValue(std::string_view Name, const TStoredType& Type, TApplyValue Apply) override;

@@ -233,26 +233,26 @@ TEST_F(ChangeRoad, HidingAChartReachesListenersPanelAxesAndTheCounts) {
 TEST_F(ChangeRoad, ChartsComingAndGoingAreTold) {
   auto* C = MakeChart("C");
   EXPECT_EQ(Count("Panel: ChartAdded C"), 1);
-  EXPECT_TRUE(Panel->LegendNeedsUpdate());
-  Panel->SetLegendNeedsUpdate(false);
+  EXPECT_TRUE(Panel->Legend()->NeedsUpdate());
+  Panel->Legend()->SetNeedsUpdate(false);
   C->Free();
   EXPECT_EQ(Count("Panel: ChartDeleted C"), 1);
-  EXPECT_TRUE(Panel->LegendNeedsUpdate());
+  EXPECT_TRUE(Panel->Legend()->NeedsUpdate());
 }
 
 TEST_F(ChangeRoad, TheLegendGathersAgainOnlyWhenWhatItListsChanged) {
   // Two charts for the legend: it lists charts, and any change of one counts.
-  Panel->SetLegendNeedsUpdate(false);
+  Panel->Legend()->SetNeedsUpdate(false);
   A->SetCaption("Sales");
-  EXPECT_TRUE(Panel->LegendNeedsUpdate());
+  EXPECT_TRUE(Panel->Legend()->NeedsUpdate());
   // One chart for the legend: it lists the values of the active chart (A) alone.
   B->SetOptions(B->Options() - coShowInLegend);
-  Panel->SetLegendNeedsUpdate(false);
+  Panel->Legend()->SetNeedsUpdate(false);
   B->Values()->Items(0)->SetValue(1, 7.0);
   B->Values()->Items(0)->SetSelected(true);
-  EXPECT_FALSE(Panel->LegendNeedsUpdate());
+  EXPECT_FALSE(Panel->Legend()->NeedsUpdate());
   A->Values()->Items(0)->SetSelected(true);
-  EXPECT_TRUE(Panel->LegendNeedsUpdate());
+  EXPECT_TRUE(Panel->Legend()->NeedsUpdate());
 }
 
 } // namespace

@@ -1,0 +1,4 @@
+#pragma once
+// The legends in one include.
+
+#include "kxcharts/legends/KXChartLegend.h"
