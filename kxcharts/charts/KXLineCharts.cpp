@@ -154,6 +154,7 @@ void TKXCustomLineChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
   TFinally Drop([this] {
     FRun.Points.clear();
     FRun.Canvas = nullptr;
+    FLabelLift = -1;
   });
   if (!FOptions.Contains(coNoChartShadow) && FPanel && FPanel->ChartShadow()->Visible()) {
     const TKXChartShadow* Shadow = FPanel->ChartShadow();
@@ -162,6 +163,7 @@ void TKXCustomLineChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     FlushSegments();
   }
   SetCanvasResources(Canvas, nullptr, true, true);
+  FLabelLift = -1;
   DrawLine(Canvas, ARect, false);
   FlushSegments();
 }
@@ -237,7 +239,8 @@ void TKXCustomLineChart::DrawValueLabel(TCanvas* Canvas, const TKX2DChartValue* 
                                         const TPoint& Point) {
   // The label lies over the segments drawn so far and under the later ones.
   FlushSegments();
-  DrawLabel(Canvas, Value, Point.X, Point.Y - Canvas->TextHeight("W"));
+  if (FLabelLift < 0) FLabelLift = Canvas->TextHeight("W");
+  DrawLabel(Canvas, Value, Point.X, Point.Y - FLabelLift);
 }
 
 // --- TKXCustomLineChart: curves ---

@@ -92,6 +92,9 @@ private:
   TStrokeRun FRun;
   // The points of the segment being drawn, kept so that the walk allocates nothing.
   TCanvasPoints FSegment;
+  // How far a label stands above its value in this pass (the height of a line of the
+  // pass's font); -1 until the first label of the pass measures it.
+  int32_t FLabelLift = -1;
 
 public:
   explicit TKXCustomLineChart(TComponent* AOwner) : TKXChart(AOwner) {}
