@@ -26,5 +26,6 @@ void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesyste
 // The sheets of each area of the library, added in the order the index shows them.
 void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets);
+void AddLineSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
   std::vector<kx::gallery::TGallerySheet> Sheets;
   kx::gallery::AddToolkitSheets(Sheets);
   kx::gallery::AddElementsSheets(Sheets);
+  kx::gallery::AddLineSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {

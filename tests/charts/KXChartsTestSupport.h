@@ -36,8 +36,8 @@ struct TDrawLog {
   std::vector<std::string> Labels; // "caption@x,y"
 
   void Segment(TCanvas* Canvas, std::span<const TPoint> Points, bool Fill) {
-    Segments.push_back({TCanvasPoints(Points.begin(), Points.end()), Fill,
-                        Canvas->Pen()->Color(), Canvas->Brush()->Color()});
+    Segments.push_back({TCanvasPoints(Points.begin(), Points.end()), Fill, Canvas->Pen()->Color(),
+                        Canvas->Brush()->Color()});
   }
   void Label(const TKXChartValue* Value, int32_t X, int32_t Y) {
     Labels.push_back(Value->Caption() + "@" + std::to_string(X) + "," + std::to_string(Y));

@@ -192,16 +192,18 @@ TEST_F(LineAlone, ValuesLandWhereTheAxesPutThem) {
 TEST_F(LineAlone, StraightLineHandsOneSegmentPerValue) {
   AddValues({{1, 1}, {5, 5}, {9, 2}});
   Draw();
-  EXPECT_EQ(PointsOf(Chart->Log.Segments),
-            (std::vector<Points>{{{10, 90}, {10, 90}}, {{10, 90}, {50, 50}}, {{50, 50}, {90, 80}}}));
+  EXPECT_EQ(
+      PointsOf(Chart->Log.Segments),
+      (std::vector<Points>{{{10, 90}, {10, 90}}, {{10, 90}, {50, 50}}, {{50, 50}, {90, 80}}}));
 }
 
 TEST_F(LineAlone, AHiddenValueBreaksTheSegmentEndingAtItOnly) {
   AddValues({{1, 1}, {3, 3}, {5, 5}, {7, 3}});
   Chart->Values()->Items(2)->SetVisible(false);
   Draw();
-  EXPECT_EQ(PointsOf(Chart->Log.Segments),
-            (std::vector<Points>{{{10, 90}, {10, 90}}, {{10, 90}, {30, 70}}, {{50, 50}, {70, 70}}}));
+  EXPECT_EQ(
+      PointsOf(Chart->Log.Segments),
+      (std::vector<Points>{{{10, 90}, {10, 90}}, {{10, 90}, {30, 70}}, {{50, 50}, {70, 70}}}));
   Chart->Values()->Items(2)->SetVisible(true);
   Chart->Values()->Items(2)->SetOpacity(0);
   Draw();
@@ -306,7 +308,8 @@ TEST_F(AreaAlone, AreasArePolygonsDownToTheBottomOfTheRectangle) {
   EXPECT_EQ(S[1].Points, (Points{{10, 100}, {10, 50}, {50, 30}, {50, 100}}));
   Chart->SetLineStyle(lsStepVertical);
   Draw();
-  EXPECT_EQ(Chart->Log.Segments[2].Points, (Points{{50, 100}, {50, 30}, {50, 50}, {90, 50}, {90, 100}}));
+  EXPECT_EQ(Chart->Log.Segments[2].Points,
+            (Points{{50, 100}, {50, 30}, {50, 50}, {90, 50}, {90, 100}}));
   // With both elements only areas are drawn after the first value.
   Chart->SetLineChartElements({bcLine, bcArea});
   Draw();
@@ -495,7 +498,8 @@ TEST_F(LineInPanel, TheShadowPassDrawsEverySegmentShiftedInTheShadowsPenWithoutL
   for (size_t I = 0; I < 3; ++I) {
     EXPECT_EQ(S[I].Pen, clGray) << I;
     for (size_t K = 0; K < S[I].Points.size(); ++K)
-      EXPECT_EQ(S[I].Points[K], (TPoint{S[I + 3].Points[K].X + Offset, S[I + 3].Points[K].Y + Offset}));
+      EXPECT_EQ(S[I].Points[K],
+                (TPoint{S[I + 3].Points[K].X + Offset, S[I + 3].Points[K].Y + Offset}));
   }
   EXPECT_EQ(S[4].Pen, C->SelectionColor());
   EXPECT_EQ(C->Log.Labels.size(), 3u);

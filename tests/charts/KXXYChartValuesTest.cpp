@@ -77,9 +77,9 @@ TEST(XYChartValues, PointHitTestFollowsTheClosedRectangleAndTheAction) {
     bool Expected;
   };
   const TCase Cases[] = {
-      {Around, saSelect, false, true},  {Edge, saSelect, false, true},
-      {Away, saSelect, false, false},   {Around, saToggle, false, true},
-      {Around, saToggle, true, false},  {Around, saUnselect, false, false},
+      {Around, saSelect, false, true}, {Edge, saSelect, false, true},
+      {Away, saSelect, false, false},  {Around, saToggle, false, true},
+      {Around, saToggle, true, false}, {Around, saUnselect, false, false},
       {Away, saToggle, false, false},
   };
   for (const TCase& C : Cases) {
