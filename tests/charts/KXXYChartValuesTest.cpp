@@ -139,42 +139,5 @@ TEST(XYChartValues, DateTimeAxesNameTheDimensionsThatHoldDates) {
   EXPECT_TRUE(V3->TKXChartValues::DateTimeAxes().Contains(2));
 }
 
-TEST(XYChartValues, TypedEnumeratorsAndCollectionsNarrow) {
-  auto V = MakeValues<TKX3DChartValues, TKX3DChartValue>();
-  V->Add(1, 2, 3);
-  V->Add(4, 5, 6);
-  double SumZ = 0;
-  for (TKX3DChartValue* P : *V)
-    SumZ += P->Z();
-  EXPECT_EQ(SumZ, 9.0);
-  EXPECT_EQ(V->Items(0)->Collection(), V.get());
-  EXPECT_EQ(static_cast<TKX2DChartValue*>(V->Items(0))->Collection(), V.get());
-  auto Plain = MakeValues<TKX2DChartValues, TKX2DChartValue>();
-  EXPECT_EQ(Plain->Add(1, 1)->Collection(), Plain.get());
-}
-
-TEST(XYChartValues, CoordinatesDatesAndImageIndexesRoundTripWithTheForm) {
-  StartChartModules();
-  TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
-  Form->SetName("Form1");
-  RegisterClasses({ClassOf<TChartsForm>()});
-  auto* Chart = New<TKXLineChart>(Form.get());
-  Chart->SetName("Line1");
-  Chart->Values()->SetDateTimeAxes(TXYSet{xyX});
-  Chart->Values()->Add(45000.5, 3, "a");
-  Chart->Values()->Add(44999.25, -2, "b");
-  const std::string Json = SaveFormToString(Form.get());
-  TOwned<TChartsForm> Copy(New<TChartsForm>(nullptr));
-  LoadFormFromString(Copy.get(), Json);
-  auto* C2 = dynamic_cast<TKXLineChart*>(Copy->FindComponent("Line1"));
-  ASSERT_NE(C2, nullptr) << Json;
-  ASSERT_EQ(C2->Values()->Count(), 2);
-  EXPECT_EQ(C2->Values()->Items(0)->X(), 44999.25);
-  EXPECT_EQ(C2->Values()->Items(0)->Y(), -2.0);
-  EXPECT_EQ(C2->Values()->Items(1)->Caption(), "a");
-  EXPECT_TRUE(C2->Values()->IsDateTime());
-  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
-}
-
 } // namespace
 } // namespace kx
