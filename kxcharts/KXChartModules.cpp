@@ -3,6 +3,7 @@
 
 #include <mutex>
 
+#include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXCustomChart.h"
 
 namespace kx {
@@ -10,7 +11,10 @@ namespace kx {
 void StartChartModules() {
   // A module's start-up registers; it never reads the registry, which would wait here.
   static std::once_flag Once;
-  std::call_once(Once, [] { StartChartPanelModule(); });
+  std::call_once(Once, [] {
+    StartChartPanelModule();
+    StartChartsModule();
+  });
 }
 
 } // namespace kx

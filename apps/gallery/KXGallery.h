@@ -28,5 +28,6 @@ void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
 void AddControlsSheets(std::vector<TGallerySheet>& Sheets);
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets);
 void AddLegendSheets(std::vector<TGallerySheet>& Sheets);
+void AddLineSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

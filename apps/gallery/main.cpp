@@ -14,6 +14,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddControlsSheets(Sheets);
   kx::gallery::AddElementsSheets(Sheets);
   kx::gallery::AddLegendSheets(Sheets);
+  kx::gallery::AddLineSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {

@@ -200,12 +200,15 @@ protected:
   std::string GetDisplayName() const override;
   // Caption, Color (when IsColorStored), Value, Scale, Opacity, Visible, Tag.
   void DefineProperties(TFiler& Filer) override;
+  // Gives the value Count numbers (clamped to 1..MaxDimensions), keeping those it has and
+  // zeroing new ones: for a descendant that has more numbers than the collection it is
+  // made in gives it.
+  void Resize(int32_t Count);
 
 private:
   friend class TKXChartValues;
   double* Data() { return FCount <= InlineNumbers ? FInline : FHeap; }
   const double* Data() const { return FCount <= InlineNumbers ? FInline : FHeap; }
-  void Resize(int32_t Count);
   TExtra& Extra();
 };
 

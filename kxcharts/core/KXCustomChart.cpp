@@ -159,7 +159,7 @@ void TKXCustomChart::InitializeChart() {
     if (auto* P = dynamic_cast<TKXCustomChartPanel*>(Owner())) SetPanel(P);
   }
   FBrush->SetStyle(bsSolid);
-  FBrush->SetColor(FPanel ? FPanel->GetChartColor() : kx::GetChartColor());
+  SetColor(FPanel ? FPanel->GetChartColor() : kx::GetChartColor());
   FOptions = DefaultChartOptions;
   FSelectionColor = TColor(0xD3D3D3);
   FParentSelectionColor = true;

@@ -1,0 +1,212 @@
+// The line sheet: line and area charts in every style, alone on their own axes and stacked
+// in a panel (which casts the charts' shadow), with value labels, a selected value, a gap
+// and the preview a new chart shows.
+#include <cmath>
+#include <functional>
+#include <string>
+
+#include "apps/gallery/KXGallery.h"
+#include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/charts/KXCharts.h"
+#include "kxcharts/core/KXChartPanel.h"
+
+namespace kx::gallery {
+
+namespace {
+
+constexpr TColor Ink = static_cast<TColor>(0x403830);
+constexpr TColor Frame = static_cast<TColor>(0xC8C0B8);
+constexpr TColor Paper = static_cast<TColor>(0xFBF8F6);
+constexpr TColor Rule = static_cast<TColor>(0xEDE6E0);
+constexpr int32_t SheetWidth = 1200;
+constexpr int32_t Columns = 3;
+constexpr int32_t CellW = 390, CellH = 250;
+constexpr int32_t Left = 15, Top = 15;
+
+class TSheetForm : public TComponent {
+  KX_CLASS(TSheetForm, TComponent)
+
+public:
+  using TComponent::TComponent;
+};
+
+TRect CellRect(int I) {
+  const int32_t X = Left + (I % Columns) * CellW, Y = Top + (I / Columns) * CellH;
+  return {X, Y, X + CellW, Y + CellH};
+}
+
+// The plot area of a cell, with a paper background, a frame and faint horizontal rules, so
+// that a reader sees the rectangle the chart was given.
+TRect PlotRect(TCanvas* C, int I) {
+  const TRect Cell = CellRect(I);
+  const TRect R{Cell.Left + 10, Cell.Top + 8, Cell.Right - 10, Cell.Bottom - 28};
+  C->Pen()->SetWidth(1);
+  C->Pen()->SetStyle(psSolid);
+  C->Pen()->SetMode(pmCopy);
+  C->Brush()->SetStyle(bsSolid);
+  C->Brush()->SetColor(Paper);
+  C->FillRect(R);
+  C->Pen()->SetColor(Rule);
+  for (int32_t K = 1; K < 5; ++K) {
+    const int32_t Y = R.Top + (R.Bottom - R.Top) * K / 5;
+    C->MoveTo(R.Left, Y);
+    C->LineTo(R.Right, Y);
+  }
+  C->Brush()->SetColor(Frame);
+  C->FrameRect({R.Left - 1, R.Top - 1, R.Right + 1, R.Bottom + 1});
+  // The charts draw a little inside the frame.
+  return {R.Left + 12, R.Top + 14, R.Right - 12, R.Bottom - 8};
+}
+
+void CaptionUnder(TCanvas* C, int I, const std::string& Text) {
+  const TRect Cell = CellRect(I);
+  C->Brush()->SetStyle(bsClear);
+  C->Font()->SetSize(9);
+  C->Font()->SetColor(Ink);
+  C->Font()->SetStyle({});
+  DrawTextLabel(C, Text, DT_CENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX,
+                {Cell.Left + 4, Cell.Bottom - 22, Cell.Right - 4, Cell.Bottom - 4});
+  C->Brush()->SetStyle(bsSolid);
+}
+
+// A wave with some character, the same for every picture.
+double Wave(double X, double Phase) {
+  return 5 + 3 * std::sin(X * 0.55 + Phase) + 1.2 * std::sin(X * 1.7 + 2 * Phase);
+}
+
+template <class TChart> TChart* MakeChart(TComponent* Owner, int Count, double Phase) {
+  auto* Chart = New<TChart>(Owner);
+  TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+  for (int I = 0; I < Count; ++I)
+    Chart->Values()->Add(I, Wave(I, Phase), "v" + std::to_string(I));
+  return Chart;
+}
+
+// Draws a chart alone on its own (invisible) axes, found from its values.
+void DrawAlone(TCanvas* C, TKXCustomChart* Chart, const TRect& R) {
+  Chart->SetBounds(0, 0, R.Right - R.Left, R.Bottom - R.Top);
+  Chart->HorizontalAxis()->UpdateAxisValues();
+  Chart->VerticalAxis()->UpdateAxisValues();
+  Chart->Draw(C, R);
+}
+
+void DrawPanel(TCanvas* C, TKXChartPanel* Panel, const TRect& R) {
+  for (TKXChartAxis* A : {Panel->BottomAxis(), Panel->LeftAxis()})
+    A->UpdateAxisValues();
+  Panel->DrawCharts(C, R);
+}
+
+void PaintLines(TCanvas* C, const TRect&) {
+  ColorListIndex = 0;
+  TOwned<TSheetForm> Form(New<TSheetForm>(nullptr));
+  int Cell = 0;
+  const auto Next = [&](const std::string& Caption,
+                        const std::function<void(const TRect&)>& Paint) {
+    const TRect R = PlotRect(C, Cell);
+    Paint(R);
+    CaptionUnder(C, Cell, Caption);
+    ++Cell;
+  };
+  // Lines in one colour each (without value colours, which a line chart has by default).
+  const auto Plain = [](TKXCustomLineChart* Chart, TColor Color) {
+    Chart->SetOptions(Chart->Options() - coValueColors - coValueLabels);
+    Chart->SetColor(Color);
+    return Chart;
+  };
+
+  Next("lsStraight: one segment per value", [&](const TRect& R) {
+    DrawAlone(C, Plain(MakeChart<TKXLineChart>(Form.get(), 14, 0), clNavy), R);
+  });
+  Next("lsStepHorizontal (blue), lsStepVertical (red)", [&](const TRect& R) {
+    auto* H = Plain(MakeChart<TKXLineChart>(Form.get(), 10, 0.4), static_cast<TColor>(0xB06020));
+    H->SetLineStyle(lsStepHorizontal);
+    DrawAlone(C, H, R);
+    auto* V = Plain(MakeChart<TKXLineChart>(Form.get(), 10, 2.4), static_cast<TColor>(0x3030C0));
+    V->SetLineStyle(lsStepVertical);
+    DrawAlone(C, V, R);
+  });
+  Next("lsSmooth with value colours, lsBezier (dark)", [&](const TRect& R) {
+    auto* S = MakeChart<TKXLineChart>(Form.get(), 10, 1.0);
+    S->SetOptions(S->Options() - coValueLabels);
+    S->Pen()->SetWidth(3);
+    S->SetLineStyle(lsSmooth);
+    DrawAlone(C, S, R);
+    auto* B = Plain(MakeChart<TKXLineChart>(Form.get(), 10, 3.0), Ink);
+    B->SetLineStyle(lsBezier);
+    DrawAlone(C, B, R);
+  });
+  Next("Stacked lines in a panel, with the chart shadow", [&](const TRect& R) {
+    auto* Panel = New<TKXChartPanel>(Form.get());
+    for (int K = 0; K < 3; ++K) {
+      auto* L = Plain(MakeChart<TKXLineChart>(Form.get(), 12, K * 1.3), DefaultColorList[K + 2]);
+      L->SetPanel(Panel);
+      L->SetGroupStyle(gsStacked);
+    }
+    DrawPanel(C, Panel, R);
+  });
+  Next("Filled area, each value its own colour", [&](const TRect& R) {
+    auto* A = MakeChart<TKXAreaChart>(Form.get(), 9, 0.7);
+    A->SetOptions(A->Options() - coValueLabels);
+    A->Pen()->SetColor(clWhite);
+    DrawAlone(C, A, R);
+  });
+  Next("Stacked areas in a panel (the lower one listed last)", [&](const TRect& R) {
+    auto* Panel = New<TKXChartPanel>(Form.get());
+    Panel->ChartShadow()->SetVisible(false);
+    TKXAreaChart* Areas[3];
+    for (int K = 0; K < 3; ++K) {
+      auto* A = MakeChart<TKXAreaChart>(Form.get(), 12, K * 0.9);
+      A->SetOptions(A->Options() - coValueColors - coValueLabels);
+      A->SetColor(DefaultColorList[5 + K]);
+      A->Pen()->SetColor(Ink);
+      A->Pen()->SetWidth(1);
+      A->SetPanel(Panel);
+      Areas[K] = A;
+    }
+    // Each area fills down to the baseline, so the panel draws the top of the stack first;
+    // the vertical axis stacks them in the opposite order.
+    for (int K = 0; K < 3; ++K)
+      Areas[K]->SetGroupIndex(0);
+    Areas[0]->SetGroupStyle(gsStacked);
+    DrawPanel(C, Panel, R);
+  });
+  Next("Value labels (coValueLabels), stepped area", [&](const TRect& R) {
+    auto* A = New<TKXAreaChart>(Form.get());
+    const char* Names[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun"};
+    const double Ys[] = {3, 5, 4, 7, 6, 8};
+    for (int I = 0; I < 6; ++I)
+      A->Values()->Add(I, Ys[I], Names[I]);
+    A->Values()->Add(6, 8);
+    A->SetOptions(A->Options() - coValueColors);
+    A->SetColor(static_cast<TColor>(0xE0C8A0));
+    A->Pen()->SetColor(static_cast<TColor>(0x806040));
+    A->Pen()->SetWidth(1);
+    A->SetLineStyle(lsStepHorizontal);
+    A->VerticalAxis()->SetOptions(A->VerticalAxis()->Options() - aoAutoMinimum);
+    A->VerticalAxis()->SetMinimum(0);
+    DrawAlone(C, A, R);
+  });
+  Next("A selected value (pink) and a hidden one (gap)", [&](const TRect& R) {
+    auto* L = Plain(MakeChart<TKXLineChart>(Form.get(), 12, 0.2), clTeal);
+    L->Pen()->SetWidth(3);
+    L->SetSelectionColor(static_cast<TColor>(0x9090FF));
+    L->Values()->Items(4)->SetSelected(true);
+    L->Values()->Items(8)->SetVisible(false);
+    DrawAlone(C, L, R);
+  });
+  Next("Preview: what a new line chart shows", [&](const TRect& R) {
+    auto* L = New<TKXLineChart>(Form.get());
+    L->SetPreview(true);
+    // Room for the labels at the ends.
+    DrawAlone(C, L, {R.Left + 30, R.Top + 6, R.Right - 40, R.Bottom});
+  });
+}
+
+} // namespace
+
+void AddLineSheets(std::vector<TGallerySheet>& Sheets) {
+  Sheets.push_back({"line", "Line and area charts: styles, stacking, labels, selection, preview",
+                    SheetWidth, Top * 2 + 3 * CellH, PaintLines});
+}
+
+} // namespace kx::gallery

@@ -1,0 +1,18 @@
+#include "kxcharts/charts/KXCharts.h"
+
+#include <mutex>
+
+namespace kx {
+
+void StartChartsModule() {
+  static std::once_flag Once;
+  std::call_once(Once, [] {
+    // The order is the registry's answer for a kind that several classes share; the kinds
+    // still to come take their places between these as they are built.
+    RegisterChart(ClassOf<TKXChart>());
+    RegisterChart(ClassOf<TKXLineChart>());
+    RegisterChart(ClassOf<TKXAreaChart>());
+  });
+}
+
+} // namespace kx

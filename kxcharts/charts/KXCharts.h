@@ -1,0 +1,14 @@
+#pragma once
+// The chart kinds that place values by coordinates and the pie: everything of the charts
+// folder, and the start-up of its module.
+
+#include "kxcharts/charts/KXLineCharts.h"
+#include "kxcharts/charts/KXXYChartValues.h"
+
+namespace kx {
+
+// Registers the chart classes of this module, in their fixed order, once. StartChartModules
+// runs it; call that rather than this.
+void StartChartsModule();
+
+} // namespace kx
