@@ -1,9 +1,14 @@
 // The elements sheet: the graphic elements a panel paints besides its charts. Labels in
 // every alignment and at several angles, shadows in every direction, the gradient in every
-// direction, image areas in every placement, headers and footers.
+// direction, image areas in every placement, headers and footers, and the scale kinds of
+// an axis as strips of ticks placed through AxisToPixel.
+#include <cstdio>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "apps/gallery/KXGallery.h"
+#include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartGraphic.h"
 
 namespace kx::gallery {
@@ -256,6 +261,68 @@ int32_t PaintHeaders(TCanvas* C, int32_t Y) {
   return G.Bottom(3) + 6;
 }
 
+// --- Axis scales ---
+
+int32_t PaintAxisScales(TCanvas* C, int32_t Y) {
+  Y = SectionTitle(C, Y, "Axis scales: ticks placed through AxisToPixel (labelled ticks longer)");
+  struct TStrip {
+    const char* Name;
+    TAxisOptions Options;
+    TKXLogarithmicType Type;
+    bool Cycles;
+  };
+  const TStrip Strips[] = {
+      {"Linear", {}, ltLogarithmic, false},
+      {"Logarithmic", {aoLogarithmic}, ltLogarithmic, false},
+      {"Inverse logarithmic", {aoLogarithmic}, ltInverseLogarithmic, false},
+      {"Composite first", {aoLogarithmic}, ltCompositeFirst, false},
+      {"Composite second", {aoLogarithmic}, ltCompositeSecond, false},
+      {"Log cycles, 1 to 1000", {aoLogarithmic}, ltLogarithmic, true},
+      {"Linear, reversed, zoomed to 20..60", {aoReversed}, ltLogarithmic, false},
+  };
+  const int32_t Left = 240, Right = SheetWidth - 40, Row = 40;
+  for (const TStrip& K : Strips) {
+    auto Axis = MakeOwned<TKXChartAxis>();
+    Axis->SetLocation(calBottom);
+    Axis->SetMaximum(K.Cycles ? 1000 : 100);
+    Axis->SetMinimum(K.Cycles ? 1 : 0);
+    Axis->SetOptions(K.Options);
+    Axis->SetLogarithmicType(K.Type);
+    Axis->SetLogCycles(K.Cycles);
+    if (K.Options.Contains(aoReversed)) Axis->Zoom(TRectF{20, 0, 60, 0});
+    const TRect R{Left, Y, Right, Y + Row};
+    const int32_t Base = Y + 12;
+    Reset(C);
+    C->Brush()->SetStyle(bsClear);
+    C->Font()->SetColor(Ink);
+    C->TextOut(20, Base - 6, K.Name);
+    C->MoveTo(Axis->AxisToPixel(Axis->ZoomMinimum(), R), Base);
+    C->LineTo(Axis->AxisToPixel(Axis->ZoomMaximum(), R) + 1, Base);
+    std::vector<std::pair<double, bool>> Ticks; // value, labelled
+    if (K.Cycles) {
+      for (double Decade = 1; Decade < 1000; Decade *= 10)
+        for (int M = 1; M < 10; ++M)
+          Ticks.push_back({Decade * M, M == 1});
+      Ticks.push_back({1000, true});
+    } else {
+      for (int V = 0; V <= 100; V += 5)
+        Ticks.push_back({double(V), V % 25 == 0});
+    }
+    for (const auto& [Value, Labelled] : Ticks) {
+      if (Value < Axis->ZoomMinimum() || Value > Axis->ZoomMaximum()) continue;
+      const int32_t X = Axis->AxisToPixel(Value, R);
+      C->MoveTo(X, Base);
+      C->LineTo(X, Base + (Labelled ? 9 : 5));
+      if (!Labelled) continue;
+      char Text[16];
+      std::snprintf(Text, sizeof Text, "%g", Value);
+      C->TextOut(X - C->TextWidth(Text) / 2, Base + 11, Text);
+    }
+    Y += Row;
+  }
+  return Y + 6;
+}
+
 void PaintElements(TCanvas* C, const TRect& Area) {
   Reset(C);
   C->Brush()->SetColor(clWhite);
@@ -265,7 +332,8 @@ void PaintElements(TCanvas* C, const TRect& Area) {
   Y = PaintShadows(C, Y);
   Y = PaintGradients(C, Y);
   Y = PaintImageAreas(C, Y);
-  PaintHeaders(C, Y);
+  Y = PaintHeaders(C, Y);
+  PaintAxisScales(C, Y);
 }
 
 } // namespace
@@ -273,7 +341,7 @@ void PaintElements(TCanvas* C, const TRect& Area) {
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets) {
   Sheets.push_back({"elements",
                     "Graphic elements: labels, shadows, gradients, image areas, headers",
-                    SheetWidth, 1270, PaintElements});
+                    SheetWidth, 1600, PaintElements});
 }
 
 } // namespace kx::gallery

@@ -128,8 +128,7 @@ void TKXChartAxis::Initialize() {
   FTitle = MakeOwned<TKXChartLabel>();
   FLabels = MakeOwned<TKXChartLabelMetaData>();
   FGrid = TOwned<TKXAxisGrid>(New<TKXAxisGrid>(this));
-  FLog1 = ToSingle(LogN(FLogBase, 1.0));
-  FLog11 = ToSingle(LogN(FLogBase, 11.0));
+  BaseChanged();
   Brush()->SetStyle(bsClear);
   Brush()->UseCurrentAsDefaults();
 }
@@ -190,15 +189,21 @@ void TKXChartAxis::SetLocation(TKXChartAxisLocation Value) {
   if (FLocation == Value) return;
   FLocation = Value;
   FDimension = IsVertical() ? 1 : 0;
+  FSpanKnown = false;
   Changed();
 }
 
 void TKXChartAxis::SetLogBase(int32_t Value) {
   if (FLogBase == Value) return;
   FLogBase = Value;
+  BaseChanged();
+  Changed();
+}
+
+void TKXChartAxis::BaseChanged() {
   FLog1 = ToSingle(LogN(FLogBase, 1.0));
   FLog11 = ToSingle(LogN(FLogBase, 11.0));
-  Changed();
+  FLnBase = std::log(static_cast<long double>(FLogBase));
 }
 
 void TKXChartAxis::SetFormat(const std::string& Value) {
@@ -287,6 +292,7 @@ void TKXChartAxis::SetStartPosition(int32_t Value) {
   if (FStartPosition == Value) return;
   FStartPosition = Value;
   if (FEndPosition < Value) FEndPosition = Value;
+  FSpanKnown = false;
   Changed();
 }
 
@@ -294,6 +300,7 @@ void TKXChartAxis::SetEndPosition(int32_t Value) {
   if (FEndPosition == Value) return;
   FEndPosition = Value;
   if (FStartPosition > Value) FStartPosition = Value;
+  FSpanKnown = false;
   Changed();
 }
 
@@ -361,10 +368,20 @@ double TKXChartAxis::ZoomAmount() const {
 // --- TKXChartAxis: geometry ---
 
 void TKXChartAxis::Span(const TRect& R, int32_t& S, int32_t& E) const {
-  const int32_t From = IsVertical() ? R.Top : R.Left;
-  const double Extent = IsVertical() ? KXRectHeight(R) : KXRectWidth(R);
+  if (FSpanKnown && R == FSpanRect) {
+    S = FSpanStart;
+    E = FSpanEnd;
+    return;
+  }
+  const bool Vertical = IsVertical();
+  const int32_t From = Vertical ? R.Top : R.Left;
+  const double Extent = Vertical ? double(R.Bottom) - R.Top : double(R.Right) - R.Left;
   S = CanvasRound(From + static_cast<double>(CanvasRound(Extent * (FStartPosition / 100.0))));
   E = CanvasRound(From + static_cast<double>(CanvasRound(Extent * (FEndPosition / 100.0))));
+  FSpanRect = R;
+  FSpanStart = S;
+  FSpanEnd = E;
+  FSpanKnown = true;
 }
 
 TRect TKXChartAxis::GetHalfRect(const TRect& ARect, bool LowHalf) const {
@@ -429,7 +446,8 @@ int32_t TKXChartAxis::SimpleLogToPixel(double Value, TKXLogarithmicType Type, co
   if (V < A) V = A;
   // The fraction of the range taken onto 1..11 before the logarithm, so that the range
   // itself need not be positive.
-  const double L = LogN(FLogBase, ((V - A) / (B - A)) * 10.0 + 1.0);
+  const double L = static_cast<double>(
+      std::log(static_cast<long double>(((V - A) / (B - A)) * 10.0 + 1.0)) / FLnBase);
   int32_t P = CanvasRound(((L - FLog1) / (FLog11 - FLog1)) * (static_cast<double>(E) - S) + S);
   if (Inverse) P = MirrorPixel(P, S, E);
   if (IsVertical()) P = MirrorPixel(P, S, E);
@@ -774,6 +792,7 @@ void TKXChartAxis::Assign(const TPersistent* Source) {
     FLogBase = A->FLogBase;
     FLog1 = A->FLog1;
     FLog11 = A->FLog11;
+    FLnBase = A->FLnBase;
     FLogCycles = A->FLogCycles;
     FFormat = A->FFormat;
     FDateTimeFormat = A->FDateTimeFormat;
@@ -784,6 +803,7 @@ void TKXChartAxis::Assign(const TPersistent* Source) {
     FZoomMaximum = A->FZoomMaximum;
     FZooming = A->FZooming;
     FEndPosition = A->FEndPosition;
+    FSpanKnown = false;
     FStartPosition = A->FStartPosition;
     FInwardPosition = A->FInwardPosition;
   }

@@ -125,12 +125,21 @@ private:
   // curve, worked out when the base changes rather than at every mapped value.
   double FLog1 = 0.0;
   double FLog11 = 0.0;
+  // The natural logarithm of LogBase in the extended precision LogN works in, so that
+  // LogN(LogBase, X) takes one logarithm per value instead of two, to the same bit.
+  long double FLnBase = 0.0L;
   // The cycles of the last CalcLogCycles, kept while bounds and base stay, so that mapping
   // along a log-cycle axis does not cut them afresh for every value.
   mutable TLogCycles FCycleCache;
   mutable double FCycleMin = 0.0;
   mutable double FCycleMax = 0.0;
   mutable int32_t FCycleBase = 0;
+  // The span of the last rectangle mapped on: charts map all their values on one
+  // rectangle, and the span costs two divisions. Cleared when positions or side change.
+  mutable TRect FSpanRect;
+  mutable int32_t FSpanStart = 0;
+  mutable int32_t FSpanEnd = 0;
+  mutable bool FSpanKnown = false;
 
 public:
   // AOwner is the panel (nil for an axis on its own).
@@ -331,6 +340,7 @@ private:
   double SimplePixelToLog(double Pixel, TKXLogarithmicType Type, const TRect& R, double A,
                           double B) const;
   const TLogCycles& Cycles(double AMin, double AMax) const;
+  void BaseChanged();
   // Whether bands and spans run against the pixel direction: on a vertical axis, and
   // again with aoReversed.
   bool Mirrored() const { return IsVertical() != FOptions.Contains(aoReversed); }

@@ -39,12 +39,6 @@ bool IsNormalF(const TRectF& R) {
 
 // --- Whole pixels ---
 
-int32_t CanvasRound(double Value) noexcept {
-  // std::round rounds halves away from zero without the floor(x + 0.5) error on
-  // 0.49999999999999994.
-  return SaturateIntegral(std::round(Value));
-}
-
 int32_t CanvasTrunc(double Value) noexcept {
   return SaturateIntegral(std::trunc(Value));
 }
