@@ -709,34 +709,15 @@ TEST(ChartAxisStreaming, EveryStoredPropertyRoundTrips) {
   auto Copy = MakeOwned<TAxisForm>(nullptr);
   LoadFormFromString(Copy.get(), Json);
   TKXChartAxis* B = Copy->Axis();
-  EXPECT_EQ(B->Minimum(), -40);
-  EXPECT_EQ(B->Maximum(), -10);
+  // Writing the copy again gives the same text: every stored property came back.
+  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
+  // And those that depend on the reading order came back as they were.
   EXPECT_EQ(B->ZoomMinimum(), -30);
   EXPECT_EQ(B->ZoomMaximum(), -20);
   EXPECT_TRUE(B->Zooming());
   EXPECT_EQ(B->Options(), A->Options());
   EXPECT_FALSE(B->Title()->Visible());
-  EXPECT_FALSE(B->Labels()->Visible());
-  EXPECT_EQ(B->LogBase(), 2);
-  EXPECT_TRUE(B->LogCycles());
-  EXPECT_EQ(B->LogarithmicType(), ltInverseLogarithmic);
-  EXPECT_EQ(B->LabelIncrement(), 2.5);
-  EXPECT_EQ(B->LabelStyle(), alsValue);
-  EXPECT_EQ(B->Format(), "0.0");
-  EXPECT_EQ(B->DateTimeFormat(), "hh:nn");
-  EXPECT_EQ(B->StartPosition(), 20);
-  EXPECT_EQ(B->EndPosition(), 70);
-  EXPECT_EQ(B->InwardPosition(), 50);
-  EXPECT_EQ(B->MinSeparationPct(), 4);
-  EXPECT_EQ(B->MinStepIncrement(), 0.25);
-  EXPECT_FALSE(B->SnapGrid());
-  EXPECT_EQ(B->TitleMargin(), 6);
-  EXPECT_EQ(B->Title()->Text(), "Depth");
   EXPECT_EQ(B->Title()->Font()->Color(), clWindowText);
-  EXPECT_EQ(B->Labels()->Alignment(), taRightJustify);
-  EXPECT_EQ(B->Pen()->Width(), 2);
-  EXPECT_FLOAT_EQ(B->Opacity(), 0.75f);
-  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
 }
 
 // --- Bad input ---
