@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "apps/gallery/KXGallery.h"
+#include "apps/gallery/KXSheetKit.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartGraphic.h"
 
@@ -15,66 +16,23 @@ namespace kx::gallery {
 
 namespace {
 
-constexpr TColor Ink = static_cast<TColor>(0x403830);
-constexpr TColor Frame = static_cast<TColor>(0xC8C0B8);
+constexpr TColor Ink = SheetInk;
 constexpr TColor Thing = static_cast<TColor>(0xD8A05A);
-constexpr TColor Caption = static_cast<TColor>(0x505050);
+constexpr TColor Caption = SheetCaption;
 constexpr int32_t SheetWidth = 1200;
 
-struct TGrid {
-  int32_t Left, Top, CellW, CellH, Columns;
-  TRect Cell(int I) const {
-    const int32_t X = Left + (I % Columns) * CellW, Y = Top + (I / Columns) * CellH;
-    return {X, Y, X + CellW, Y + CellH};
-  }
-  TRect Body(int I) const {
-    const TRect C = Cell(I);
-    return {C.Left + 12, C.Top + 8, C.Right - 12, C.Bottom - 24};
-  }
-  int32_t Bottom(int Count) const { return Top + ((Count + Columns - 1) / Columns) * CellH; }
-};
-
+// The sheet's plain look, with its own brush colour.
 void Reset(TCanvas* C) {
-  C->Pen()->SetColor(Ink);
-  C->Pen()->SetWidth(1);
-  C->Pen()->SetStyle(psSolid);
-  C->Brush()->SetColor(Thing);
-  C->Brush()->SetStyle(bsSolid);
-  C->Font()->SetSize(8);
-  C->Font()->SetColor(Caption);
-  C->Font()->SetStyle({});
-  C->Font()->SetOrientation(0);
+  ResetCanvas(C, Thing);
 }
-
 void CaptionUnder(TCanvas* C, const TGrid& G, int I, const std::string& Text) {
-  const TRect Cell = G.Cell(I);
-  Reset(C);
-  C->Brush()->SetStyle(bsClear);
-  DrawTextLabel(C, Text, DT_CENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX,
-                {Cell.Left + 2, Cell.Bottom - 20, Cell.Right - 2, Cell.Bottom - 4});
-  Reset(C);
+  gallery::CaptionUnder(C, G, I, Text, Thing);
 }
-
-// A thin frame just outside R, so that the reader sees the rectangle an element was given.
 void Outline(TCanvas* C, const TRect& R) {
-  C->Brush()->SetColor(Frame);
-  C->FrameRect({R.Left - 1, R.Top - 1, R.Right + 1, R.Bottom + 1});
-  Reset(C);
+  gallery::Outline(C, R, Thing);
 }
-
 int32_t SectionTitle(TCanvas* C, int32_t Y, const std::string& Title) {
-  Reset(C);
-  C->Brush()->SetStyle(bsClear);
-  C->Font()->SetSize(12);
-  C->Font()->SetStyle({fsBold});
-  C->Font()->SetColor(Ink);
-  C->TextOut(20, Y, Title);
-  const int32_t H = C->TextHeight(Title);
-  C->Pen()->SetColor(clSilver);
-  C->MoveTo(20, Y + H + 3);
-  C->LineTo(SheetWidth - 20, Y + H + 3);
-  Reset(C);
-  return Y + H + 10;
+  return gallery::SectionTitle(C, Y, Title, SheetWidth, Thing);
 }
 
 // A small landscape: sky, hills and a sun, with a magenta corner that a transparent
