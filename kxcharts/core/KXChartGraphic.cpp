@@ -30,6 +30,25 @@ int32_t Extent(int32_t From, int32_t To) {
 
 } // namespace
 
+void FitProportionally(int32_t W, int32_t H, int32_t CW, int32_t CH, int32_t& DW, int32_t& DH) {
+  // The longer side of the picture decides first; if the other side then overflows the
+  // room, that side decides instead.
+  const double Ratio = double(W) / H;
+  if (W > H) {
+    DH = CanvasTrunc(CW / Ratio);
+    if (DH > CH) {
+      DW = CanvasTrunc(CH * Ratio);
+      DH = CH;
+    }
+  } else {
+    DW = CanvasTrunc(CH * Ratio);
+    if (DW > CW) {
+      DH = CanvasTrunc(CW / Ratio);
+      DW = CW;
+    }
+  }
+}
+
 // --- TKXChartGraphic ---
 
 void TKXChartGraphic::AfterConstruction() {
@@ -498,20 +517,7 @@ TRect TKXChartImageArea::DestRect(const TRect& ARect) const {
     DW = CW;
     DH = CH;
     if (Proportional && W > 0 && H > 0) {
-      const double Ratio = double(W) / H;
-      if (W > H) {
-        DH = CanvasTrunc(CW / Ratio);
-        if (DH > CH) {
-          DW = CanvasTrunc(CH * Ratio);
-          DH = CH;
-        }
-      } else {
-        DW = CanvasTrunc(CH * Ratio);
-        if (DW > CW) {
-          DH = CanvasTrunc(CW / Ratio);
-          DW = CW;
-        }
-      }
+      FitProportionally(W, H, CW, CH, DW, DH);
     }
   }
   TRect D{ARect.Left, ARect.Top, AddClamped(ARect.Left, DW), AddClamped(ARect.Top, DH)};

@@ -37,6 +37,10 @@
 
 namespace kx {
 
+// Sets DW, DH to the largest size of the shape W x H (both above 0) that fits in CW x CH,
+// as picture options and image modes that keep proportions place a picture.
+void FitProportionally(int32_t W, int32_t H, int32_t CW, int32_t CH, int32_t& DW, int32_t& DH);
+
 class TKXChartAxis;
 
 // --- Enumerations and events ---

@@ -99,20 +99,7 @@ TRect TKXChartLayer::LayerDestRect(const TRect& ARect) const {
     DW = CW;
     DH = CH;
     if (W > 0 && H > 0) {
-      const double Ratio = double(W) / H;
-      if (W > H) {
-        DH = CanvasTrunc(CW / Ratio);
-        if (DH > CH) {
-          DW = CanvasTrunc(CH * Ratio);
-          DH = CH;
-        }
-      } else {
-        DW = CanvasTrunc(CH * Ratio);
-        if (DW > CW) {
-          DH = CanvasTrunc(CW / Ratio);
-          DW = CW;
-        }
-      }
+      FitProportionally(W, H, CW, CH, DW, DH);
     }
   }
   int64_t Left = ARect.Left, Top = ARect.Top;
