@@ -127,23 +127,11 @@ public:
 };
 using TKXCustomChartClass = const TKXCustomChartMeta*;
 
-template <class T> class TKXCustomChartMetaImpl final : public TKXCustomChartMeta {
+template <class T>
+class TKXCustomChartMetaImpl final : public TComponentMetaOf<T, TKXCustomChartMeta> {
 public:
-  using TKXCustomChartMeta::TKXCustomChartMeta;
-  bool IsAbstract() const override { return !Constructible; }
-  TComponent* Create(TComponent* AOwner) const override { return CreateWithState(AOwner, {}); }
-  TComponent* CreateWithState(TComponent* AOwner, TComponentState States) const override {
-    if constexpr (Constructible)
-      return TComponent::NewWithState<T>(AOwner, States);
-    else
-      throw Exception("Cannot create an instance of the abstract class " +
-                      std::string(ClassName()));
-  }
+  using TComponentMetaOf<T, TKXCustomChartMeta>::TComponentMetaOf;
   TKXChartType GetChartType() const override { return T::GetChartType(); }
-
-private:
-  static constexpr bool Constructible =
-      !std::is_abstract_v<T> && std::is_constructible_v<T, TComponent*>;
 };
 
 // --- TKXCustomChart ---

@@ -236,9 +236,11 @@ private:
   void Unlink(TComponent* Other);
 };
 
-template <class T> class TComponentMetaImpl final : public TComponentMeta {
+// The virtual constructor of a component metaclass, over any metaclass shape Meta of the
+// component family; a family with class-level operations derives from it and adds them.
+template <class T, class Meta = TComponentMeta> class TComponentMetaOf : public Meta {
 public:
-  using TComponentMeta::TComponentMeta;
+  using Meta::Meta;
   bool IsAbstract() const override { return !Constructible; }
   TComponent* Create(TComponent* AOwner) const override { return CreateWithState(AOwner, {}); }
   TComponent* CreateWithState(TComponent* AOwner, TComponentState States) const override {
@@ -246,12 +248,17 @@ public:
       return TComponent::NewWithState<T>(AOwner, States);
     else
       throw Exception("Cannot create an instance of the abstract class " +
-                      std::string(ClassName()));
+                      std::string(this->ClassName()));
   }
 
 private:
   static constexpr bool Constructible =
       !std::is_abstract_v<T> && std::is_constructible_v<T, TComponent*>;
+};
+
+template <class T> class TComponentMetaImpl final : public TComponentMetaOf<T> {
+public:
+  using TComponentMetaOf<T>::TComponentMetaOf;
 };
 
 inline const TComponentMeta* TComponent::StaticClass() {
