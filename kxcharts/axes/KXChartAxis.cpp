@@ -417,7 +417,10 @@ int32_t TKXChartAxis::AxisToPixel(double Value, const TRect& ChartRect) const {
 int32_t TKXChartAxis::LinearToPixel(double Value, const TRect& R, double Lo, double Hi) const {
   int32_t S, E;
   Span(R, S, E);
-  const double Fraction = Hi == Lo ? Value - Lo : (Value - Lo) / (Hi - Lo);
+  double Fraction = Hi == Lo ? Value - Lo : (Value - Lo) / (Hi - Lo);
+  // A range wider than a double holds (-1e308..1e308) is measured in halves.
+  if (!std::isfinite(Hi - Lo) && std::isfinite(Hi) && std::isfinite(Lo))
+    Fraction = (Value / 2 - Lo / 2) / (Hi / 2 - Lo / 2);
   int32_t P = CanvasRound(Fraction * (static_cast<double>(E) - S) + S);
   if (IsVertical()) P = MirrorPixel(P, S, E);
   if (FOptions.Contains(aoReversed)) P = MirrorPixel(P, S, E);
@@ -730,11 +733,6 @@ void TKXChartAxis::UpdateAxisValues() {
 void TKXChartAxis::UpdateChartAxisInfo() {
   for (int32_t I = 0; I < FCharts->Count(); ++I)
     FCharts->Items(I)->UpdateAxisInfo(this);
-}
-
-void TKXChartAxis::CalculateBounds(TCanvas*, const TRect&) {
-  FWidth = 0;
-  FHeight = 0;
 }
 
 // --- TKXChartAxis: change handling ---

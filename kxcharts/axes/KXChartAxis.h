@@ -15,6 +15,7 @@
 // on the chart's own client rectangle.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -81,10 +82,17 @@ using TLogCycles = std::vector<TLogCycle>;
 // for bounds, a base or powers that no cycle can be cut from (not finite, a base below 2).
 TLogCycles CalcLogCycles(double AMin, double AMax, int32_t Base);
 
+// The extent of a label text along the axis (its width on a horizontal axis, its height on
+// a vertical one), for the search of a label step.
+using TGetTextDimMethod = std::function<int32_t(const std::string& Text)>;
+
 // --- TKXChartAxis ---
 
 class TKXChartAxis : public TKXChartGraphicArea {
   KX_CLASS(TKXChartAxis, TKXChartGraphicArea)
+
+  // The grid walks the axis's steps and asks for a step per log cycle.
+  friend class TKXAxisGrid;
 
 protected:
   int32_t FLogBase = 10;
@@ -272,9 +280,23 @@ public:
   virtual void UpdateAxisValues();
   // UpdateAxisInfo of every chart of the axis, in list order.
   virtual void UpdateChartAxisInfo();
-  // Measures the room the axis takes beside a plot in ARect (Width, Height). This form
-  // draws no labels or title yet, so it takes none.
+  // The measuring pass: runs DrawAxis on ARect without painting, so that Width and Height
+  // hold the room the axis takes beside the plot in each direction, and the widest label is
+  // known to a right axis's paint pass. The paint pass is Draw(Canvas, ARect). Raises
+  // Exception for a nil canvas, and what CalcLogCycles raises on a log-cycle axis over
+  // data at or below 0.
   virtual void CalculateBounds(TCanvas* Canvas, const TRect& ARect);
+
+  // The text of a label: FormatDateTime(DateTimeFormat) on a date and time axis (a number
+  // that is no date of years 1 to 9999 reads as a number), else FormatFloat(Format), and
+  // "%.4f" for an empty Format.
+  std::string FormatValue(double Value) const;
+  // alsDateTime, or the dimension of the axis is a date dimension of the active chart.
+  bool IsDateTime() const;
+  // The widest label of the last pass.
+  int32_t MaxLabelWidth() const { return FMaxLabelWidth; }
+  // True only while the axis paints (not while it measures).
+  bool IsDrawing() const { return FIsDrawing; }
 
   // A chart of the axis changed its values or its visibility: an automatic axis must
   // find its range again.
@@ -331,6 +353,50 @@ protected:
   void Span(const TRect& R, int32_t& S, int32_t& E) const;
   void UpdateZooming();
 
+  // --- Drawing ---
+
+  // Sets IsDrawing, then runs DrawAxis; IsDrawing is cleared again also when an exception
+  // passes.
+  void InternalDraw(TCanvas* Canvas, const TRect& ARect) override;
+  // Runs in both passes: finds the range when it is due, moves the axis inward by
+  // InwardPosition, and peels title, labels and axis line off ARect from the outside in;
+  // the grid gets the rectangle that still holds the ticks' room. After measuring, Width
+  // and Height hold what was peeled off.
+  virtual void DrawAxis(TCanvas* Canvas, const TRect& ARect);
+  // These answer what is left of ARect; they paint only while IsDrawing.
+  // The title beside ARect, aligned along a vertical axis by Title.Alignment.
+  virtual TRect DrawTitle(TCanvas* Canvas, TRect ARect);
+  // The labels, from high values to low, on whole multiples of the step with SnapGrid;
+  // a label that would overlap the last one drawn is dropped. Hands the grid its interval
+  // and start. Nothing without a zoomed range or a step.
+  virtual TRect DrawLabels(TCanvas* Canvas, TRect ARect);
+  // The line along the side of ARect, after the room of the major ticks.
+  virtual TRect DrawAxisLine(TCanvas* Canvas, TRect ARect);
+  // Draws Grid while painting; answers ARect.
+  virtual TRect DrawGrid(TCanvas* Canvas, TRect ARect);
+
+  // --- Label steps ---
+
+  // The label step for AMin..AMax on ARect in the canvas's current font: a tenth of the
+  // range moved up the ladder of NewSpacing, doubled until the labels fit
+  // (GetMajorGridSpacing), cut to a whole number when 1 or more, and at least
+  // MinStepIncrement. 1 for an empty range; 0 (no labels) for a range whose step is no
+  // finite number above 0, unless LabelIncrement is fixed.
+  virtual double GetLabelSpacing(TCanvas* Canvas, const TRect& ARect, double AMin, double AMax);
+  // LabelIncrement when fixed; otherwise Spacing, doubled as long as a label from the top of
+  // the whole range down is longer (GetTextDim) than the pixels of a step and the least
+  // separation. A walk whose labels take no room along an axis of no length ends at once.
+  virtual double GetMajorGridSpacing(double Spacing, double PixelSize, int32_t MaxPixel,
+                                     int32_t MinPixel, double MinSeparation,
+                                     const TGetTextDimMethod& GetTextDim);
+  // The next step strictly above Value on the ladder 1, 2, 5, 10, 25 at every power of ten
+  // (25 gives 50, 0.25 gives 0.5). A number that is not finite or not above 0 is answered
+  // as it is; a step may underflow to 0 or overflow to infinity, which callers refuse.
+  virtual double NewSpacing(double Value);
+  // LabelStyle, with alsAuto resolved: captions when the active chart counts for the axes,
+  // has values and wants captions on this axis; numbers otherwise.
+  TAxisLabelStyle GetAxisLabelStyle() const;
+
 private:
   int32_t LinearToPixel(double Value, const TRect& R, double Lo, double Hi) const;
   int32_t LogToPixel(double Value, const TRect& R, double Lo, double Hi) const;
@@ -341,6 +407,17 @@ private:
                           double B) const;
   const TLogCycles& Cycles(double AMin, double AMax) const;
   void BaseChanged();
+  double LabelSpacing(TCanvas* Canvas, const TRect& ARect, double AMin, double AMax,
+                      const TRect& MapRect);
+  // The step of one log cycle in Band, measured on the mapping of the whole rectangle.
+  double CycleSpacing(TCanvas* Canvas, const TRect& Band, double AMin, double AMax,
+                      const TRect& MapRect);
+  // Step, doubled while more marks than the axis has pixels along ARect would fall into
+  // Lo..Hi. Doubling keeps whole multiples whole multiples.
+  double FitStepToPixels(double Step, double Lo, double Hi, const TRect& ARect) const;
+  // Value less Step until it no longer exceeds Limit; far above it, by whole steps at once.
+  // Stops where subtracting the step no longer moves the value.
+  static double SkipDown(double Value, double Limit, double Step);
   // Whether bands and spans run against the pixel direction: on a vertical axis, and
   // again with aoReversed.
   bool Mirrored() const { return IsVertical() != FOptions.Contains(aoReversed); }
