@@ -84,9 +84,12 @@ TLogCycles CalcLogCycles(double AMin, double AMax, int32_t Base) {
   const double B = Base;
   // Powers in single precision, rounded to whole numbers when they are whole-number
   // powers; a fractional lower bound keeps its fractional power, so that a range from
-  // below 1 still has its boundaries.
+  // below 1 still has its boundaries. A power beyond the single range (1e-300) stays in
+  // double precision.
   const auto PowerOf = [B](double Exponent) {
-    const double P = ToSingle(Power(B, Exponent));
+    const double D = Power(B, Exponent);
+    const double S = ToSingle(D);
+    const double P = std::isfinite(S) && S > 0 ? S : D;
     if (!std::isfinite(P) || P <= 0) throw Exception(SIllegalLogCycles);
     return P >= 1 ? static_cast<double>(Round(P)) : P;
   };

@@ -269,7 +269,7 @@ TEST(LogCycles, CutTheRangeAtThePowersOfTheBase) {
 }
 
 TEST(LogCycles, RefuseBoundsTheyCannotCut) {
-  const double Bad[][2] = {{0, 10}, {-1, 10}, {1, -1}, {NaN, 10}, {1, Inf}, {100, 10}, {1e-60, 1}};
+  const double Bad[][2] = {{0, 10}, {-1, 10}, {1, -1}, {NaN, 10}, {1, Inf}, {100, 10}};
   for (const auto& B : Bad) {
     try {
       CalcLogCycles(B[0], B[1], 10);
@@ -280,6 +280,13 @@ TEST(LogCycles, RefuseBoundsTheyCannotCut) {
   }
   EXPECT_THROW(CalcLogCycles(1, 10, 1), Exception);
   EXPECT_THROW(CalcLogCycles(1, 10, 0), Exception);
+}
+
+TEST(LogCycles, BoundsBelowTheSingleRangeStillHaveTheirPowers) {
+  const TLogCycles C = CalcLogCycles(1e-300, 1000, 10);
+  ASSERT_EQ(C.size(), 304u);
+  EXPECT_NEAR(C.front().Value, 1e-300, 1e-310);
+  EXPECT_EQ(C.back().Value, 1000);
 }
 
 TEST(LogCycles, EachFullCycleTakesAnEqualBandInTheDirectionOfGrowingValues) {
