@@ -29,5 +29,6 @@ void AddControlsSheets(std::vector<TGallerySheet>& Sheets);
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets);
 void AddLegendSheets(std::vector<TGallerySheet>& Sheets);
 void AddLineSheets(std::vector<TGallerySheet>& Sheets);
+void AddPanelSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

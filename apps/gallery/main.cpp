@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddElementsSheets(Sheets);
   kx::gallery::AddLegendSheets(Sheets);
   kx::gallery::AddLineSheets(Sheets);
+  kx::gallery::AddPanelSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {
