@@ -317,13 +317,6 @@ TEST_F(ChartPanelLayout, ALegendTakesItsRoomAtEachSideAndAnOverlayTakesNone) {
   }
 }
 
-TEST_F(ChartPanelLayout, ALegendWithoutLinesTakesNoRoomAndIsNotDrawn) {
-  Panel->Legend()->SetAlign(laLeft);
-  Paint();
-  EXPECT_EQ(Panel->ChartRect(), (TRect{34, 39, 386, 251}));
-  EXPECT_FALSE(Rects.count("Legend"));
-}
-
 TEST_F(ChartPanelLayout, EveryAxisIsMeasuredOnTheRectangleLeftByHeaderFooterAndLegend) {
   SetLegendLines({"Line"});
   Panel->Legend()->SetAlign(laTop);
@@ -438,17 +431,6 @@ INSTANTIATE_TEST_SUITE_P(Sizes, PanelTooSmall,
                                          TTinyCase{9, 300, true}, TTinyCase{400, 10, false},
                                          TTinyCase{400, 11, true}));
 
-TEST_F(ChartPanelLayout, ADrawThatIsRefusedRaisesNeitherTheElementsNorOnDraw) {
-  int Drawn = 0;
-  Panel->SetOnDraw([&](TObject*, TCanvas*, const TRect&) { ++Drawn; });
-  auto B = test::MakeBitmap(10, 10);
-  Panel->Draw(B->Canvas(), TRect{5, 5, 5, 50});
-  Panel->SetOnDrawing([](TObject*, TCanvas*, const TRect&, bool& DoDraw) { DoDraw = false; });
-  Panel->Draw(B->Canvas(), Panel->ClientRect());
-  EXPECT_EQ(Drawn, 0);
-  EXPECT_TRUE(Rects.empty());
-}
-
 // --- The gradient buffer ---
 
 TEST_F(ChartPanelLayout, TheGradientIsPaintedOnceAndReusedUntilItsSizeOrItChanges) {
@@ -530,12 +512,9 @@ TEST_F(ChartPanelLayout, EveryOwnedElementReportsItsChangeThroughThePanel) {
 
 // --- Construction ---
 
-TEST(ChartPanel, ANewPanelHasItsElementsInTheirStartingState) {
+TEST(ChartPanel, ANewPanelStartsItsLayersAxesAndHintAsAPlacedPanelDoes) {
   TOwned<TTestForm> Form(New<TTestForm>(nullptr));
   auto* Panel = New<TKXChartPanel>(Form.get());
-  EXPECT_EQ(Panel->Width(), 400);
-  EXPECT_EQ(Panel->Height(), 300);
-  EXPECT_EQ(Panel->Caption(), "");
   EXPECT_TRUE(Panel->Background()->Visible());
   EXPECT_FALSE(Panel->Background()->Transparent());
   for (TKXChartLayer* L : {Panel->ChartBackground(), Panel->Foreground()}) {
@@ -544,22 +523,11 @@ TEST(ChartPanel, ANewPanelHasItsElementsInTheirStartingState) {
   }
   for (TKXChartLayer* L : {Panel->Background(), Panel->ChartBackground(), Panel->Foreground()})
     EXPECT_EQ(L->Brush()->Color(), Panel->Color());
-  EXPECT_EQ(Panel->Header()->Text(), "Chart");
-  EXPECT_TRUE(Panel->Header()->IsHeader());
-  EXPECT_EQ(Panel->Footer()->Text(), "Footer");
-  EXPECT_FALSE(Panel->Footer()->IsHeader());
-  EXPECT_EQ(Panel->Margins()->Rect(), (TRect{3, 4, 3, 4}));
-  EXPECT_EQ(Panel->ChartShadow()->Size(), 2);
-  EXPECT_TRUE(Panel->Gradient()->Visible());
   EXPECT_EQ(Panel->LeftAxis()->Title()->Angle(), 90);
   EXPECT_EQ(Panel->RightAxis()->Title()->Angle(), 270);
   EXPECT_EQ(Panel->BottomAxis()->Title()->Text(), "");
-  EXPECT_EQ(Panel->UserActions(), (TChartUserActions{uaZoom, uaPan, uaMouseTracking}));
-  EXPECT_EQ(Panel->UserPan(), (TShiftState{ssAlt, ssLeft}));
-  EXPECT_EQ(Panel->SelectionColor(), TColor(0xD3D3D3));
   ASSERT_NE(Panel->HintWindow(), nullptr);
   EXPECT_EQ(Panel->HintWindow()->Corner(), 2);
-  EXPECT_EQ(Panel->HintWindow()->Interval(), 0);
   EXPECT_TRUE(Panel->HintWindow()->IsSubComponent());
 }
 
