@@ -30,5 +30,6 @@ void AddElementsSheets(std::vector<TGallerySheet>& Sheets);
 void AddLegendSheets(std::vector<TGallerySheet>& Sheets);
 void AddLineSheets(std::vector<TGallerySheet>& Sheets);
 void AddAxisSheets(std::vector<TGallerySheet>& Sheets);
+void AddPanelSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

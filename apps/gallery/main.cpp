@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddLegendSheets(Sheets);
   kx::gallery::AddLineSheets(Sheets);
   kx::gallery::AddAxisSheets(Sheets);
+  kx::gallery::AddPanelSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {

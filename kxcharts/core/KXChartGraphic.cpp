@@ -125,6 +125,13 @@ void TKXChartGraphic::Assign(const TPersistent* Source) {
   inherited::Assign(Source);
 }
 
+void TKXChartGraphic::DefineProperties(TFiler& Filer) {
+  // A new default must come before any declaration, and every descendant declares its own
+  // properties after this inherited call.
+  if (!FStoredVisible) Filer.Redefault("Visible", false);
+  inherited::DefineProperties(Filer);
+}
+
 // --- Tiles ---
 
 void TKXChartGraphic::TiledDraw(TCanvas* Canvas, const TRect& ARect, TGraphic* Image, int32_t Left,

@@ -72,6 +72,8 @@ private:
   TNotifyEvent FOnChange;
   TKXChartDrawEvent FOnDraw;
   TKXChartDrawingEvent FOnDrawing;
+  // The Visible that the stored form leaves out (see KeepStartAsStoredDefaults).
+  bool FStoredVisible = true;
 
 public:
   TKXChartGraphic() = default;
@@ -105,6 +107,11 @@ public:
                     TKXChartAxis* HorizAxis);
   // A new element of this element's class with this one assigned to it.
   TOwned<TKXChartGraphic> Clone() const;
+  // Takes the element's present state as the one its stored form leaves out. An owner
+  // that starts an element otherwise than the element starts itself (a panel's hidden top
+  // axis) calls it once the element is made, so that a form read back into a new owner
+  // gets the element as it was written. Here Visible; descendants add theirs.
+  virtual void KeepStartAsStoredDefaults() { FStoredVisible = FVisible; }
 
   // Fills ARect with copies of Image in its own size, the first at (Left, Top), stepping by
   // the image's width and height while the tile starts before ARect's right and bottom
@@ -147,6 +154,9 @@ protected:
   virtual void Drawn(TCanvas* Canvas, const TRect& ARect);
   // The change handler of the owned objects: calls Changed.
   virtual void SenderChanged(TObject* Sender);
+  // Gives Visible the stored default that KeepStartAsStoredDefaults took, for the
+  // declarations of the descendants that follow.
+  void DefineProperties(TFiler& Filer) override;
   // A handler that calls SenderChanged, for wiring owned objects.
   TNotifyEvent SenderChangedHandler() {
     return [this](TObject* Sender) { SenderChanged(Sender); };

@@ -238,7 +238,7 @@ void TKXChartLayer::DefineProperties(TFiler& Filer) {
                  imCenter);
   Filer.Property("Pen", this, &TKXChartLayer::Pen);
   Filer.Property("Transparent", this, &TKXChartLayer::Transparent, &TKXChartLayer::SetTransparent,
-                 false);
+                 FStoredTransparent);
   Filer.Property("Zoomable", this, &TKXChartLayer::Zoomable, &TKXChartLayer::SetZoomable, true);
   Filer.Property("Opacity", this, &TKXChartLayer::Opacity, &TKXChartLayer::SetOpacity, 1.0f);
   Filer.Property("Visible", this, &TKXChartLayer::Visible, &TKXChartLayer::SetVisible, true);

@@ -45,6 +45,8 @@ private:
   TKXChartAxis* FVerticalAxis = nullptr;
   TKXChartAxis* FHorizontalAxis = nullptr;
   bool FZoomable = true;
+  // The Transparent that the stored form leaves out.
+  bool FStoredTransparent = false;
 
 public:
   TKXChartLayer() = default;
@@ -86,6 +88,12 @@ public:
   void Draw(TCanvas* Canvas, const TRect& ARect, TKXChartAxis* VertAxis,
             TKXChartAxis* HorizAxis) override;
   using TKXChartGraphic::Draw;
+
+  // Also Transparent.
+  void KeepStartAsStoredDefaults() override {
+    TKXChartGraphic::KeepStartAsStoredDefaults();
+    FStoredTransparent = FTransparent;
+  }
 
   // From another layer: brush, image mode, pen, picture, Transparent and Zoomable.
   void Assign(const TPersistent* Source) override;

@@ -1,79 +1,190 @@
 #pragma once
 // TKXCustomChartPanel: the component an application places on a form to hold charts. It
-// owns four axes, a chart shadow and the list of its charts (which belong to the form,
-// not to it), keeps the colour palette its charts take from, and is the panel's end of
-// the change road: every change of a chart or of an element it owns reaches its
-// listeners and events and repaints it. TKXChartPanel publishes it.
+// owns four axes, a header and a footer, a legend, three layers (behind everything, behind
+// the plot, in front of everything), a gradient, a chart shadow, margins and the list of
+// its charts (which belong to the form, not to it). Its one central algorithm is the
+// layout: InternalDraw cuts the client rectangle step by step into the areas of these
+// elements and paints them in a fixed order. It keeps the palette its charts take from, and
+// is the panel's end of the change road: every change of a chart or of an element it owns
+// reaches its listeners and events and repaints it. TKXChartPanel publishes it.
 //
-// This is the panel's first form: it has the charts, axes, legend, colours, listeners, the
-// change road and the drawing of the charts in a plot rectangle; the layout of header,
-// footer, legend, layers and axes, and the mouse, are not here yet (Paint draws the frame
-// only).
+// The layout of one paint, from the outside in: the margins and the frame, the background
+// and the gradient on all of what is left, the header band at the top, the footer band at
+// the bottom, the legend's room at its side (not for an overlay), then the axes' room on
+// each side (10 pixels, or what a visible outer axis measures), and in the middle the plot
+// rectangle, ChartRect, where every chart paints. The painting order is background,
+// gradient, header, footer, chart background, bottom, top, left and right axis, charts,
+// legend, foreground.
 
+#include <array>
 #include <cstdint>
 #include <string>
 
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartLayer.h"
 #include "kxcharts/core/KXChartListeners.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/legends/KXChartLegend.h"
+#include "kxcharts/toolkit/KXBitmap.h"
 #include "kxcharts/toolkit/KXCanvas.h"
 #include "kxcharts/toolkit/KXCommonCharts.h"
 #include "kxcharts/toolkit/KXControls.h"
+#include "kxcharts/toolkit/KXEnum.h"
+#include "kxcharts/toolkit/KXHintWindow.h"
 #include "kxcharts/toolkit/KXLists.h"
+#include "kxcharts/toolkit/KXObjectRect.h"
+#include "kxcharts/toolkit/KXSet.h"
 #include "kxcharts/toolkit/KXTypes.h"
 
 namespace kx {
+
+// --- Enumerations ---
+
+// The areas a paint may be narrowed to (see Draw with DrawPanelAreas).
+enum TChartPanelArea : uint8_t {
+  paBackground,
+  paForeground,
+  paGradient,
+  paCharts,
+  paHeader,
+  paFooter,
+  paLegend,
+  paChartBackground,
+  paLeftAxis,
+  paRightAxis,
+  paTopAxis,
+  paBottomAxis
+};
+KX_ENUM_NAMES(TChartPanelArea, "paBackground", "paForeground", "paGradient", "paCharts", "paHeader",
+              "paFooter", "paLegend", "paChartBackground", "paLeftAxis", "paRightAxis", "paTopAxis",
+              "paBottomAxis")
+using TChartPanelAreas = TSet<TChartPanelArea>;
+
+// What the mouse may do in a panel.
+enum TChartUserAction : uint8_t { uaZoom, uaPan, uaSelect, uaMouseTracking };
+KX_ENUM_NAMES(TChartUserAction, "uaZoom", "uaPan", "uaSelect", "uaMouseTracking")
+using TChartUserActions = TSet<TChartUserAction>;
+
+// What the mouse is doing now.
+enum TChartUserActionExt : uint8_t { uaxNone, uaxZoom, uaxPan, uaxSelect };
+KX_ENUM_NAMES(TChartUserActionExt, "uaxNone", "uaxZoom", "uaxPan", "uaxSelect")
+
+// --- TKXCustomChartPanel ---
+
+// The two forwarded drawing events of one owned element: reading and writing go to the
+// element's own OnDrawing and OnDraw; the panel holds nothing.
+#define KX_PANEL_ELEMENT_EVENTS(Element, Field)                                                    \
+  const TKXChartDrawingEvent& OnDrawing##Element() const {                                         \
+    return Field->OnDrawing();                                                                     \
+  }                                                                                                \
+  void SetOnDrawing##Element(TKXChartDrawingEvent Value) {                                         \
+    Field->SetOnDrawing(std::move(Value));                                                         \
+  }                                                                                                \
+  const TKXChartDrawEvent& OnDraw##Element() const {                                               \
+    return Field->OnDraw();                                                                        \
+  }                                                                                                \
+  void SetOnDraw##Element(TKXChartDrawEvent Value) {                                               \
+    Field->SetOnDraw(std::move(Value));                                                            \
+  }
 
 class TKXCustomChartPanel : public TCustomPanel {
   KX_CLASS(TKXCustomChartPanel, TCustomPanel)
 
 protected:
+  // The painted gradient, kept between paints while its size and the gradient stay.
+  TOwned<TBitmap> FGradientBuffer;
   TOwned<TKXChartList> FCharts;
   TOwned<TKXChartAxis> FRightAxis;
   TOwned<TKXChartAxis> FTopAxis;
   TOwned<TKXChartAxis> FLeftAxis;
   TOwned<TKXChartAxis> FBottomAxis;
+  TOwned<TKXChartLayer> FBackground;
+  TOwned<TKXChartLayer> FForeground;
+  TOwned<TKXChartHeader> FHeader;
+  TOwned<TKXChartHeader> FFooter;
+  TOwned<TKXObjectRect> FMargins;
+  TOwned<TKXChartLegend> FLegend;
+  TGetStringsEvent FOnGetLegendStrings;
   TKXChartEvent FOnAddChart;
   TKXChartEvent FOnDeleteChart;
   TKXChartEvent FOnChartChange;
   TKXChartValueEvent FOnChartValueChange;
-  // The plot rectangle of the last layout.
+  // The rectangle of the last layout: the plot rectangle once a paint got that far.
   TRect FChartRect;
   TOwned<TKXChartShadow> FChartShadow;
+  TOwned<TKXChartGradient> FGradient;
   TNotifyEvent FOnChange;
+  TChartUserActions FUserActions = TChartUserActions::FromBits(11);
+  TShiftState FUserZoom = TShiftState::FromBits(8);
+  TShiftState FUserPan = TShiftState::FromBits(10);
+  TShiftState FUserSelect = TShiftState::FromBits(12);
+  TChartUserActionExt FUserAction = uaxNone;
+  // Whether a crosshair is on screen; a paint wipes it.
+  bool FMouseTrackingOn = false;
+  TKXChartDrawEvent FOnDraw;
+  TKXChartDrawingEvent FOnDrawing;
   TKXChartValueEvent FOnChartValueSelectionChange;
   TKXChartValueEvent FOnChartValueVisibleChange;
   TColor FSelectionColor = TColor(0xD3D3D3);
   TKXChartDrawEvent FOnDrawCharts;
   TKXChartDrawingEvent FOnDrawingCharts;
+  TShiftState FUserProportional = TShiftState::FromBits(1);
+  TOwned<TKXChartLayer> FChartBackground;
   TKXColorScheme FChartColorScheme = schDefault;
   TColorList FChartColorList = DefaultColorList;
   TOwned<TChartPanelListeners> FListeners;
-  TOwned<TKXChartLegend> FLegend;
-  TGetStringsEvent FOnGetLegendStrings;
+  // Made outside design mode only; a sub-component the panel owns.
+  TKXHintWindow* FHintWindow = nullptr;
+  TChartPanelAreas FDrawAreas = TChartPanelAreas::FromBits(0xFFF);
 
 public:
   explicit TKXCustomChartPanel(TComponent* AOwner);
   ~TKXCustomChartPanel() override;
 
   // --- Properties ---
+  // Setters of owned elements assign into them and never replace them.
+
   // The charts in drawing order (not owned: they belong to their owner).
   TKXChartList* Charts() const { return FCharts.get(); }
   TKXChartAxis* BottomAxis() const { return FBottomAxis.get(); }
+  void SetBottomAxis(const TKXChartAxis* Value) { FBottomAxis->Assign(Value); }
   TKXChartAxis* TopAxis() const { return FTopAxis.get(); }
+  void SetTopAxis(const TKXChartAxis* Value) { FTopAxis->Assign(Value); }
   TKXChartAxis* LeftAxis() const { return FLeftAxis.get(); }
+  void SetLeftAxis(const TKXChartAxis* Value) { FLeftAxis->Assign(Value); }
   TKXChartAxis* RightAxis() const { return FRightAxis.get(); }
-  // Each setter assigns into the owned axis.
-  void SetBottomAxis(const TKXChartAxis* Value);
-  void SetTopAxis(const TKXChartAxis* Value);
-  void SetLeftAxis(const TKXChartAxis* Value);
-  void SetRightAxis(const TKXChartAxis* Value);
+  void SetRightAxis(const TKXChartAxis* Value) { FRightAxis->Assign(Value); }
+  // The layer behind everything (opaque, visible, in the panel's colour at the start).
+  TKXChartLayer* Background() const { return FBackground.get(); }
+  void SetBackground(const TKXChartLayer* Value) { FBackground->Assign(Value); }
+  // The layer behind the plot area, drawn on the axes (transparent, hidden at the start).
+  TKXChartLayer* ChartBackground() const { return FChartBackground.get(); }
+  void SetChartBackground(const TKXChartLayer* Value) { FChartBackground->Assign(Value); }
+  // The layer in front of everything (transparent, hidden at the start).
+  TKXChartLayer* Foreground() const { return FForeground.get(); }
+  void SetForeground(const TKXChartLayer* Value) { FForeground->Assign(Value); }
+  // The band at the top ("Chart") and at the bottom ("Footer").
+  TKXChartHeader* Header() const { return FHeader.get(); }
+  void SetHeader(const TKXChartHeader* Value) { FHeader->Assign(Value); }
+  TKXChartHeader* Footer() const { return FFooter.get(); }
+  void SetFooter(const TKXChartHeader* Value) { FFooter->Assign(Value); }
+  // Pixels around the whole chart, (3, 4, 3, 4) at the start.
+  TKXObjectRect* Margins() const { return FMargins.get(); }
+  void SetMargins(const TKXObjectRect* Value) { FMargins->Assign(Value); }
+  TKXChartLegend* Legend() const { return FLegend.get(); }
+  void SetLegend(const TKXChartLegend* Value) { FLegend->Assign(Value); }
   // The shadow charts cast while they paint (when it is visible).
   TKXChartShadow* ChartShadow() const { return FChartShadow.get(); }
-  void SetChartShadow(const TKXChartShadow* Value);
-  // The plot rectangle of the last layout, on whatever canvas it ran.
+  void SetChartShadow(const TKXChartShadow* Value) { FChartShadow->Assign(Value); }
+  // Painted on the whole area inside the frame, through a buffer kept between paints.
+  TKXChartGradient* Gradient() const { return FGradient.get(); }
+  void SetGradient(const TKXChartGradient* Value) { FGradient->Assign(Value); }
+  // The buffer of the last gradient painted; nil before the first paint and after a change
+  // of the gradient.
+  TBitmap* GradientBuffer() const { return FGradientBuffer.get(); }
+  // The rectangle of the last layout, on whatever canvas it ran: the plot rectangle once a
+  // paint got that far.
   const TRect& ChartRect() const { return FChartRect; }
   TKXColorScheme ChartColorScheme() const { return FChartColorScheme; }
   // Copies the scheme's palette (schCustom keeps the list), restarts ColorListIndex and
@@ -86,9 +197,23 @@ public:
   void SetSelectionColor(TColor Value);
   TChartPanelListeners* Listeners() const { return FListeners.get(); }
   void SetListeners(const TChartPanelListeners* Value) { FListeners->Assign(Value); }
-  TKXChartLegend* Legend() const { return FLegend.get(); }
-  // Assigns into the owned legend.
-  void SetLegend(const TKXChartLegend* Value) { FLegend->Assign(Value); }
+  // What the mouse may do, and the keys and buttons that start each action.
+  TChartUserActions UserActions() const { return FUserActions; }
+  void SetUserActions(TChartUserActions Value) { FUserActions = Value; }
+  TShiftState UserZoom() const { return FUserZoom; }
+  void SetUserZoom(TShiftState Value) { FUserZoom = Value; }
+  TShiftState UserPan() const { return FUserPan; }
+  void SetUserPan(TShiftState Value) { FUserPan = Value; }
+  TShiftState UserSelect() const { return FUserSelect; }
+  void SetUserSelect(TShiftState Value) { FUserSelect = Value; }
+  TShiftState UserProportional() const { return FUserProportional; }
+  void SetUserProportional(TShiftState Value) { FUserProportional = Value; }
+  TChartUserActionExt UserAction() const { return FUserAction; }
+  bool MouseTrackingOn() const { return FMouseTrackingOn; }
+  // The crosshair's hint; nil in design mode.
+  TKXHintWindow* HintWindow() const { return FHintWindow; }
+  // The areas the paint under way paints (all twelve outside Draw with DrawPanelAreas).
+  TChartPanelAreas DrawAreas() const { return FDrawAreas; }
 
   // --- Events ---
   const TKXChartEvent& OnAddChart() const { return FOnAddChart; }
@@ -114,10 +239,27 @@ public:
   // Raised while the legend gathers its lines, after the legend's own event.
   const TGetStringsEvent& OnGetLegendStrings() const { return FOnGetLegendStrings; }
   void SetOnGetLegendStrings(TGetStringsEvent Value) { FOnGetLegendStrings = std::move(Value); }
+  // Before a paint (DoDraw false skips it) and after it.
+  const TKXChartDrawingEvent& OnDrawing() const { return FOnDrawing; }
+  void SetOnDrawing(TKXChartDrawingEvent Value) { FOnDrawing = std::move(Value); }
+  const TKXChartDrawEvent& OnDraw() const { return FOnDraw; }
+  void SetOnDraw(TKXChartDrawEvent Value) { FOnDraw = std::move(Value); }
   const TKXChartDrawingEvent& OnDrawingCharts() const { return FOnDrawingCharts; }
   void SetOnDrawingCharts(TKXChartDrawingEvent Value) { FOnDrawingCharts = std::move(Value); }
   const TKXChartDrawEvent& OnDrawCharts() const { return FOnDrawCharts; }
   void SetOnDrawCharts(TKXChartDrawEvent Value) { FOnDrawCharts = std::move(Value); }
+  KX_PANEL_ELEMENT_EVENTS(ChartShadow, FChartShadow)
+  KX_PANEL_ELEMENT_EVENTS(Background, FBackground)
+  KX_PANEL_ELEMENT_EVENTS(ChartBackground, FChartBackground)
+  KX_PANEL_ELEMENT_EVENTS(Foreground, FForeground)
+  KX_PANEL_ELEMENT_EVENTS(BottomAxis, FBottomAxis)
+  KX_PANEL_ELEMENT_EVENTS(TopAxis, FTopAxis)
+  KX_PANEL_ELEMENT_EVENTS(LeftAxis, FLeftAxis)
+  KX_PANEL_ELEMENT_EVENTS(RightAxis, FRightAxis)
+  KX_PANEL_ELEMENT_EVENTS(Gradient, FGradient)
+  KX_PANEL_ELEMENT_EVENTS(Footer, FFooter)
+  KX_PANEL_ELEMENT_EVENTS(Header, FHeader)
+  KX_PANEL_ELEMENT_EVENTS(Legend, FLegend)
 
   // --- Class-level ---
   // The axis values at a pixel point: (XAxis.PixelToAxis(X), YAxis.PixelToAxis(Y)), on the
@@ -138,7 +280,16 @@ public:
   TColor GetChartColor() const;
   // Whether the legend lists charts (rather than the values of the active chart).
   bool IsLegendShowingCharts() const;
+  // The platform's ScreenToClient.
+  TPoint ScreenToChart(TPoint Pt) const { return ScreenToClient(Pt); }
 
+  // Lays the panel out in ARect and paints it on Canvas, which may be any canvas: Drawing
+  // (the go-ahead), InternalDraw, Drawn. ChartRect keeps the layout of this paint.
+  virtual void Draw(TCanvas* Canvas, const TRect& ARect);
+  // The same, painting only the areas in DrawPanelAreas; the others still take their room,
+  // so what is painted stands where a full paint puts it. The areas are put back
+  // afterwards, also when an exception passes.
+  virtual void Draw(TCanvas* Canvas, const TRect& ARect, TChartPanelAreas DrawPanelAreas);
   // Draws every visible chart in ARect, in list order (the first lies underneath), after
   // OnDrawingCharts agrees; on the panel's own canvas clipped to ARect. The clip and each
   // chart's paint flag are put back also when a handler raises.
@@ -169,27 +320,63 @@ public:
   virtual void KXVisibleChanged(TKXCustomChart* Chart);
   // The selection colour changed: every chart hears it.
   virtual void SelectionColorChanged();
-  // The handler of everything the panel owns: Invalidate, Changed.
+  // The handler of everything the panel owns. The panel's font goes on to the delta fonts
+  // of header, footer, legend and the axes' labels and titles; a change of the gradient
+  // drops its buffer. Then Invalidate and Changed.
   virtual void SenderChanged(TObject* Sender);
 
+  // The frame, then Draw(Canvas, ClientRect).
+  void Paint() override;
+  // The charts hear of it too.
+  void Resize() override;
   void AfterConstruction() override;
   void BeforeDestruction() override;
-  void Resize() override;
 
 protected:
-  // Makes the axis of one side; a descendant swaps the class here. Left and bottom axes
-  // start visible, right and top invisible.
+  // Decides whether a paint goes ahead: true when ARect has a width and a height above 0,
+  // which OnDrawing may change.
+  virtual bool Drawing(TCanvas* Canvas, const TRect& ARect);
+  // Raises OnDraw; runs after every paint that went ahead, also one that painted nothing.
+  virtual void Drawn(TCanvas* Canvas, const TRect& ARect);
+  // Cuts FChartRect from ARect step by step and paints the elements in their order (see
+  // the header comment). An area left out of DrawAreas is not painted, but its element
+  // still takes its room. A rectangle that the margins and the frame leave empty paints
+  // nothing.
+  virtual void InternalDraw(TCanvas* Canvas, const TRect& ARect);
+
+  // The factories of the owned elements, run once each in AfterConstruction; a descendant
+  // swaps an element's class by overriding one. Each wires the element's OnChange to
+  // SenderChanged.
+  //
+  // The axis of one side, with its title turned at the vertical sides. Left and bottom
+  // axes start visible, right and top invisible; in design mode the title names the side.
   virtual TOwned<TKXChartAxis> CreateAxis(TKXChartAxisLocation Location);
-  virtual TOwned<TKXChartShadow> CreateShadow();
-  // Makes the legend of this panel; a descendant swaps the class here.
+  // A layer in the panel's colour, visible when it is not transparent.
+  virtual TOwned<TKXChartLayer> CreateLayer(bool Transparent);
+  // A header (IsHeader) or footer with Text, in the panel's font.
+  virtual TOwned<TKXChartHeader> CreateHeader(const std::string& Text, bool IsHeader);
   virtual TOwned<TKXChartLegend> CreateLegend();
+  // The chart shadow, 2 pixels.
+  virtual TOwned<TKXChartShadow> CreateShadow();
+  virtual TOwned<TKXChartGradient> CreateGradient();
+
   virtual void ChartListNotify(TObject* Sender, TKXCustomChart* Chart, TListNotification Action);
   virtual void ChartAdded(TKXCustomChart* Chart);
   virtual void ChartDeleted(TKXCustomChart* Chart);
 
   void FontChanged() override;
   void Notification(TComponent* AComponent, TOperation Operation) override;
+
+private:
+  // The twelve elements with forwarded drawing events, in the order of those events (nil
+  // entries before construction and after destruction).
+  std::array<TKXChartGraphic*, 12> Elements() const;
+  // Paints the gradient on Whole through FGradientBuffer, painting the buffer first when
+  // there is none of Whole's size.
+  void DrawGradient(TCanvas* Canvas, const TRect& Whole);
 };
+
+#undef KX_PANEL_ELEMENT_EVENTS
 
 // The panel as a form stores it.
 class TKXChartPanel : public TKXCustomChartPanel {
@@ -199,8 +386,10 @@ public:
   using TKXCustomChartPanel::TKXCustomChartPanel;
 
 protected:
-  // ChartColorScheme, ChartShadow, BottomAxis, TopAxis, LeftAxis, RightAxis, Legend,
-  // SelectionColor.
+  // After the panel's own: ChartColorScheme, ChartShadow, Background, ChartBackground,
+  // Foreground, BottomAxis, TopAxis, LeftAxis, RightAxis, Gradient, Footer, Header, Legend,
+  // Margins (only when they differ from 3, 4, 3, 4), SelectionColor (always, as it starts
+  // off its default), UserActions, UserZoom, UserPan, UserProportional, UserSelect.
   void DefineProperties(TFiler& Filer) override;
 };
 

@@ -291,9 +291,12 @@ TSize TKXChartLegend::Size(TCanvas* Canvas, const TRect& ARect, int32_t& Longest
   int64_t CX, CY;
   if (FAlign == laLeft || FAlign == laRight) {
     CX = ML + LW + FBoxSize + MR + Sh + GlyphGap;
-    CY = MT + RowH * Count + MB + Sh;
+    // No more rows than the walk draws, so the box ends under the last line drawn.
+    CY = MT + RowH * std::min<int64_t>(Count, FMaxRows) + MB + Sh;
   } else {
-    const int64_t ColW = LW + FBoxSize + GlyphGap;
+    // A column as wide as the walk steps (glyph, margins and gap with the text), so that
+    // the last column ends inside the box.
+    const int64_t ColW = ColumnStep(LW, RowH);
     const double Fit = ColW > 0 ? std::trunc(KXRectWidth(ARect) / double(ColW)) : 1.0;
     const int64_t Cols = Fit >= 1 ? static_cast<int64_t>(Fit) : 1;
     const int64_t Rows = std::min<int64_t>(FMaxRows, (Count + Cols - 1) / Cols);
@@ -324,6 +327,13 @@ TRect TKXChartLegend::BoundsRect(TCanvas* Canvas, const TRect& ARect, int32_t& L
   default:
     return {Clamp32(C.X - Half), ARect.Top, Clamp32(C.X + Half), Clamp32(ARect.Top + H)};
   }
+}
+
+int64_t TKXChartLegend::ColumnStep(int64_t LongestWidth, int64_t TextHeight) const {
+  const int64_t G =
+      FOptions.Contains(loLargeGlyphs) ? std::max<int64_t>(FBoxSize, TextHeight) : FBoxSize;
+  return LongestWidth + G + std::abs(int64_t(FMargins->Left())) +
+         std::abs(int64_t(FMargins->Right())) + GlyphGap;
 }
 
 // --- Drawing ---
@@ -357,8 +367,9 @@ void TKXChartLegend::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     Clip.emplace(Canvas, TRect{Clamp32(X), Clamp32(Y), Clamp32(Right), Clamp32(Bottom)});
   const int64_t TH = Canvas->TextHeight("A");
   const bool Large = FOptions.Contains(loLargeGlyphs);
-  const int64_t G = Large ? std::max<int64_t>(FBoxSize, TH) : FBoxSize;
-  const int64_t Step = int64_t(LongestWidth) + G + std::abs(ML) + std::abs(MR) + GlyphGap;
+  // A large glyph is square and as high as its row, so rows step by the glyph too.
+  const int64_t RowH = Large ? std::max<int64_t>(FBoxSize, TH) : TH;
+  const int64_t Step = ColumnStep(LongestWidth, TH);
   const int32_t Count = Lines()->Count();
   for (int32_t I = 0; I < Count; ++I) {
     DrawLabel(Canvas, I, Clamp32(X), Clamp32(Y), LongestWidth);
@@ -367,9 +378,10 @@ void TKXChartLegend::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     if (X >= Right || Col > FMaxColumns) {
       ++Row;
       Col = 1;
-      Y += Large ? FBoxSize : TH;
+      Y += RowH;
       X = R.Left + ML;
-      if (Row == FMaxRows - 1 || Y >= Bottom) break;
+      // MaxRows rows are drawn, as many as the lines gathered for charts.
+      if (Row == FMaxRows || Y >= Bottom) break;
     }
   }
 }

@@ -201,7 +201,8 @@ protected:
   // width) as soon as a line reaches it.
   int32_t LongestLine(TCanvas* Canvas, const TRect& ARect);
   // The size of the box with its inner margins and shadow, for the lines as they stand in
-  // a column (laLeft, laRight) or flowing into as many columns as ARect's width holds.
+  // a column (laLeft, laRight) or flowing into as many columns as ARect's width holds; at
+  // most MaxRows rows high, each column as wide as the row walk steps.
   TSize Size(TCanvas* Canvas, const TRect& ARect, int32_t& LongestWidth);
 
   // The shadow and the box on BoundsRect less the margins, then the lines walked row by
@@ -219,6 +220,9 @@ protected:
 
 private:
   void MatchShadowToRectStyle();
+  // How far the row walk moves from one column to the next: the widest line, the glyph
+  // (square and at least TextHeight high with loLargeGlyphs), both side margins and the gap.
+  int64_t ColumnStep(int64_t LongestWidth, int64_t TextHeight) const;
 };
 
 } // namespace kx

@@ -315,7 +315,8 @@ TEST_F(LegendMeasure, SizeAndBoundsAtEverySide) {
   };
   // ml 3, mt 4, mr 3, mb 4, shadow 3, box 10, gap 10.
   const int32_t SideW = 3 + TW + 10 + 3 + 3 + 10, SideH = 4 + 3 * TH + 4 + 3;
-  const int32_t ColW = TW + 10 + 10, Cols = 400 / ColW, Rows = (3 + Cols - 1) / Cols;
+  // A column steps over the text, the glyph, both side margins and the gap.
+  const int32_t ColW = TW + 10 + 3 + 3 + 10, Cols = 400 / ColW, Rows = (3 + Cols - 1) / Cols;
   const int32_t FlowW = 3 + ColW * Cols + 3 + 3, FlowH = 4 + TH * Rows + 4 + 3;
   const TCase Cases[] = {
       {laLeft, {SideW, SideH}, {10, 20, 10 + SideW + 6, 20 + SideH + 8}},
@@ -348,7 +349,7 @@ TEST_F(LegendMeasure, ABottomLegendWiderThanItsRectangleKeepsOneColumn) {
   int32_t Longest;
   const TSize S = L->Size(Canvas, {0, 0, 30, 200}, Longest);
   EXPECT_EQ(Longest, std::min(TW, 30));
-  EXPECT_EQ(S, (TSize{3 + Longest + 20 + 3, 4 + 3 * TH + 4}));
+  EXPECT_EQ(S, (TSize{3 + Longest + 20 + 6 + 3, 4 + 3 * TH + 4}));
   L->SetMaxRows(2);
   EXPECT_EQ(L->Size(Canvas, {0, 0, 30, 200}, Longest).cy, 4 + 2 * TH + 4) << "MaxRows caps rows";
 }
@@ -496,6 +497,15 @@ TEST_F(LegendDrawing, LargeGlyphsAreSquare) {
             2 * (Glyph.Right - Glyph.Left) + 2 * (Glyph.Bottom - Glyph.Top) - 4)
       << "red inside a one-pixel outline";
   EXPECT_EQ(At(R.Left + 8, R.Top + 4 + S + S / 2), clBlue) << "the next row is BoxSize lower";
+
+  // A box smaller than the text: the glyph grows to the text's height, and so does the row.
+  Legend->SetBoxSize(4);
+  Bitmap = test::MakeBitmap(400, 300, clSilver);
+  Canvas = Bitmap->Canvas();
+  const TRect R2 = Box(Canvas, Area);
+  Legend->Draw(Canvas, Area);
+  EXPECT_EQ(At(R2.Left + 5, R2.Top + 4 + TH + TH / 2), clBlue) << "rows do not overlap";
+  EXPECT_EQ(At(R2.Left + 5, R2.Top + 4 + TH / 2), clRed);
 }
 
 TEST_F(LegendDrawing, LinesFlowIntoColumnsAtTheBottom) {
@@ -508,24 +518,24 @@ TEST_F(LegendDrawing, LinesFlowIntoColumnsAtTheBottom) {
   EXPECT_EQ(At(R.Left + 8, GY), clRed);
   EXPECT_EQ(At(R.Left + 3 + Longest + 10 + 3 + 3 + 10 + 5, GY), clBlue)
       << "the second line stands in the same row, one step to the right";
+  EXPECT_LE(R.Left + 3 + 2 * (Longest + 26) - 10, R.Right - 3)
+      << "the box holds the last column it measured";
 }
 
-TEST_F(LegendDrawing, TheRowWalkStopsOneRowShortOfMaxRows) {
+TEST_F(LegendDrawing, TheRowWalkDrawsMaxRowsRowsInABoxOfThatHeight) {
   SetFixedLines(Legend, {"a", "b", "c", "d"}, {A, B, A, B});
-  Legend->SetMaxRows(3);
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
-  const int32_t GX = R.Left + 8, GY = R.Top + 4 + TH / 2;
-  EXPECT_EQ(At(GX, GY + TH), clBlue);
-  EXPECT_EQ(At(GX, GY + 2 * TH), clWhite) << "the third row is not drawn";
-}
-
-TEST_F(LegendDrawing, WithOneMaxRowTheBoxBottomEndsTheWalk) {
-  SetFixedLines(Legend, {"a", "b", "c"}, {A, B, A});
-  Legend->SetMaxRows(1);
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
-  EXPECT_EQ(At(R.Left + 8, R.Top + 4 + 2 * TH + TH / 2), clRed) << "all three rows";
+  for (int32_t MaxRows : {3, 1}) {
+    SCOPED_TRACE(MaxRows);
+    Bitmap->Canvas()->Brush()->SetColor(clSilver);
+    Bitmap->Canvas()->FillRect({0, 0, Bitmap->Width(), Bitmap->Height()});
+    Legend->SetMaxRows(MaxRows);
+    const TRect R = Box(Canvas, Area);
+    EXPECT_EQ(R.Bottom - R.Top, 4 + MaxRows * TH + 4);
+    Legend->Draw(Canvas, Area);
+    const int32_t GX = R.Left + 8, GY = R.Top + 4 + TH / 2;
+    EXPECT_EQ(At(GX, GY + (MaxRows - 1) * TH), MaxRows % 2 ? clRed : clBlue) << "the last row";
+    EXPECT_NE(At(GX, GY + MaxRows * TH), MaxRows % 2 ? clBlue : clRed) << "no row beyond";
+  }
 }
 
 TEST_F(LegendDrawing, OnThePanelsOwnCanvasNothingLeavesTheBoxsInside) {
