@@ -99,6 +99,36 @@ void TKXCustomLineChart::DefineProperties(TFiler& Filer) {
   inherited::DefineProperties(Filer);
 }
 
+void TKXCustomLineChart::DoUpdateAxisInfo(TKXChartAxis* Axis) {
+  const TKX2DChartValues* V = Values();
+  const int32_t Dim = Axis->Dimension();
+  if (!Axis->Zooming() || !V->Sorted() || V->SortOrder() != soAscending ||
+      V->SortByDimension() != Dim) {
+    inherited::DoUpdateAxisInfo(Axis);
+    return;
+  }
+  const int32_t N = V->Count();
+  // The first index at which Test stops holding, Test holding for a prefix of 0..End-1.
+  const auto Boundary = [&](int32_t End, auto Test) {
+    int32_t Lo = 0, Hi = End;
+    while (Lo < Hi) {
+      const int32_t Mid = Lo + (Hi - Lo) / 2;
+      if (Test(V->Items(Mid)->GetValue(Dim)))
+        Lo = Mid + 1;
+      else
+        Hi = Mid;
+    }
+    return Lo;
+  };
+  const double ZLo = Axis->ZoomMinimum(), ZHi = Axis->ZoomMaximum();
+  const int32_t Numbers = Boundary(N, [](double X) { return !std::isnan(X); });
+  const int32_t AtLo = Boundary(Numbers, [ZLo](double X) { return X < ZLo; });
+  const int32_t PastHi = Boundary(Numbers, [ZHi](double X) { return X <= ZHi; });
+  FFirstIndex = AtLo < Numbers ? std::max(0, AtLo - 1) : 0;
+  FLastIndex = PastHi < Numbers ? PastHi : N - 1;
+  FVisibleCount = FLastIndex - FFirstIndex + 1;
+}
+
 // --- TKXCustomLineChart: geometry ---
 
 TPoint TKXCustomLineChart::GetValuePoint(const TKXChartValue* Value, const TRect& Rect) const {

@@ -193,6 +193,9 @@ protected:
   void InternalDraw(TCanvas* Canvas, const TRect& ARect) override;
   // Options against 1811.
   void DefineProperties(TFiler& Filer) override;
+  // The same span as the base finds, by halving rather than a walk over the values, when
+  // they are sorted rising on the axis's dimension (NaNs last).
+  void DoUpdateAxisInfo(TKXChartAxis* Axis) override;
 
 private:
   // The pen (and, with Fill, the brush) of Value's segment, outside the shadow pass.
