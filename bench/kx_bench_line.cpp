@@ -1,13 +1,14 @@
-// What a full paint of a line chart costs: a TKXLineChart alone on its own axes, painted
-// into a 1600 x 900 bitmap, over N sorted values of a random walk. Compare with
-// BM_PolylineCairoFloor (kx_bench_canvas), which strokes a walk of as many points straight
-// through Cairo.
+// What a full paint of a line chart costs: a TKXLineChart in a default 1600 x 900 panel
+// (its ChartShadow hidden, Options without value colours and labels), over N sorted values
+// of a random walk, painted whole into a bitmap. Compare with BM_PolylineCairoFloor
+// (kx_bench_canvas), which strokes a walk of as many points straight through Cairo.
 #include <benchmark/benchmark.h>
 
 #include <random>
 
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
+#include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/KXBitmap.h"
 
 namespace {
@@ -21,47 +22,74 @@ public:
   using TComponent::TComponent;
 };
 
+constexpr int32_t Width = 1600, Height = 900;
+
 struct TLineBench {
   TOwned<TBenchForm> Form{New<TBenchForm>(nullptr)};
+  TKXChartPanel* Panel = New<TKXChartPanel>(Form.get());
   TKXLineChart* Chart = New<TKXLineChart>(Form.get());
   TOwned<TBitmap> Bitmap = MakeOwned<TBitmap>();
+  std::mt19937 Random{20240601};
+  std::normal_distribution<double> Step{0.0, 1.0};
+  double Y = 0;
+  int64_t NextX = 0;
 
   TLineBench(int64_t N, TChartOptions Options) {
+    Panel->SetBounds(0, 0, Width, Height);
+    Panel->ChartShadow()->SetVisible(false);
     Chart->SetOptions(Options);
-    Chart->SetBounds(0, 0, 1600, 900);
-    std::mt19937 Random(20240601);
-    std::normal_distribution<double> Step(0.0, 1.0);
-    double Y = 0;
+    Chart->SetPanel(Panel);
     Chart->Values()->BeginUpdate();
-    for (int64_t I = 0; I < N; ++I) {
-      Y += Step(Random);
-      Chart->Values()->Add(static_cast<double>(I), Y);
-    }
+    Append(N);
     Chart->Values()->EndUpdate();
-    Chart->HorizontalAxis()->UpdateAxisValues();
-    Chart->VerticalAxis()->UpdateAxisValues();
-    Bitmap->SetSize(1600, 900);
+    Bitmap->SetSize(Width, Height);
   }
 
+  void Append(int64_t N) {
+    for (int64_t I = 0; I < N; ++I)
+      Chart->Values()->Add(static_cast<double>(NextX++), Y += Step(Random));
+  }
+
+  // The panel does not paint its charts by itself yet: its background, the axes' ranges
+  // and the charts, as its paint will.
   void Paint() {
     TCanvas* Canvas = Bitmap->Canvas();
     Canvas->Brush()->SetColor(clWhite);
-    Canvas->FillRect({0, 0, 1600, 900});
-    Chart->Draw(Canvas, {0, 0, 1600, 900});
+    Canvas->FillRect({0, 0, Width, Height});
+    for (TKXChartAxis* A : {Panel->BottomAxis(), Panel->LeftAxis()})
+      A->UpdateAxisValues();
+    Panel->DrawCharts(Canvas, {0, 0, Width, Height});
     cairo_surface_flush(Bitmap->Surface());
   }
 };
 
 void RunPaint(benchmark::State& State, TChartOptions Options) {
   TLineBench Bench(State.range(0), Options);
+  Bench.Paint(); // the first paint builds the summary
   for (auto _ : State)
     Bench.Paint();
   State.SetItemsProcessed(State.iterations() * State.range(0));
 }
 
-// Without value colours and labels: runs of one look are stroked together.
+const TChartOptions PlainOptions = TChartOptions::FromBits(1939) - coValueColors - coValueLabels;
+
+// Without value colours and labels: runs of one look are drawn per pixel column.
 void BM_PaintLine(benchmark::State& State) {
-  RunPaint(State, TChartOptions::FromBits(1939) - coValueColors - coValueLabels);
+  RunPaint(State, PlainOptions);
+}
+
+// The same chart zoomed to 0.1 % of its X range, about the middle.
+void BM_PaintLineZoomed(benchmark::State& State) {
+  TLineBench Bench(State.range(0), PlainOptions);
+  Bench.Paint();
+  TKXChartAxis* X = Bench.Chart->HorizontalAxis();
+  const double Mid = State.range(0) / 2.0, Half = State.range(0) * 0.0005;
+  X->SetZoomMinimum(Mid - Half);
+  X->SetZoomMaximum(Mid + Half);
+  Bench.Paint();
+  for (auto _ : State)
+    Bench.Paint();
+  State.SetItemsProcessed(State.iterations() * State.range(0) / 1000);
 }
 
 // The default options: every value its own colour, so every segment its own stroke.
@@ -69,9 +97,25 @@ void BM_PaintLineValueColors(benchmark::State& State) {
   RunPaint(State, TChartOptions::FromBits(1939));
 }
 
+// A live signal: Limit N, one value appended at a time, a repaint every 1000 appends. The
+// time per iteration is per append, the paint and the summary's upkeep shared out.
+void BM_AppendLive(benchmark::State& State) {
+  TLineBench Bench(State.range(0), PlainOptions);
+  Bench.Chart->Values()->SetLimit(static_cast<int32_t>(State.range(0)));
+  Bench.Paint();
+  int64_t Appended = 0;
+  for (auto _ : State) {
+    Bench.Append(1);
+    if (++Appended % 1000 == 0) Bench.Paint();
+  }
+  State.SetItemsProcessed(State.iterations());
+}
+
 } // namespace
 
-BENCHMARK(BM_PaintLine)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PaintLine)->Arg(10000)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PaintLineZoomed)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineValueColors)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AppendLive)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 
 BENCHMARK_MAIN();

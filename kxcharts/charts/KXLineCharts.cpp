@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/charts/KXLineReduction.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
 #include "kxcharts/toolkit/KXStreaming.h"
 #include "kxcharts/toolkit/KXVclGraphics.h"
@@ -15,6 +16,8 @@ namespace {
 // Longest joined polyline handed to the canvas at once. Runs beyond it go out in parts that
 // meet end to start, so that memory stays small whatever the number of values.
 constexpr size_t MaxRunPoints = 4096;
+// Runs of alike values shorter than this go segment by segment: too short to gain.
+constexpr int32_t MinReducedRun = 16;
 
 } // namespace
 
@@ -71,6 +74,12 @@ void TKXCustomLineChart::SetLineChartElements(TBasicCharts Value) {
   Changed();
 }
 
+void TKXCustomLineChart::SetReducedDrawing(bool Value) {
+  if (FReducedDrawing == Value) return;
+  FReducedDrawing = Value;
+  Changed();
+}
+
 void TKXCustomLineChart::SetOptions(TChartOptions Value) {
   if (FEnforceSingleOption) Value.Exclude(coReservedFlag);
   inherited::SetOptions(Value);
@@ -88,6 +97,36 @@ void TKXCustomLineChart::Assign(const TPersistent* Source) {
 void TKXCustomLineChart::DefineProperties(TFiler& Filer) {
   Filer.Redefault("Options", TChartOptions::FromBits(1811));
   inherited::DefineProperties(Filer);
+}
+
+void TKXCustomLineChart::DoUpdateAxisInfo(TKXChartAxis* Axis) {
+  const TKX2DChartValues* V = Values();
+  const int32_t Dim = Axis->Dimension();
+  if (!Axis->Zooming() || !V->Sorted() || V->SortOrder() != soAscending ||
+      V->SortByDimension() != Dim) {
+    inherited::DoUpdateAxisInfo(Axis);
+    return;
+  }
+  const int32_t N = V->Count();
+  // The first index at which Test stops holding, Test holding for a prefix of 0..End-1.
+  const auto Boundary = [&](int32_t End, auto Test) {
+    int32_t Lo = 0, Hi = End;
+    while (Lo < Hi) {
+      const int32_t Mid = Lo + (Hi - Lo) / 2;
+      if (Test(V->Items(Mid)->GetValue(Dim)))
+        Lo = Mid + 1;
+      else
+        Hi = Mid;
+    }
+    return Lo;
+  };
+  const double ZLo = Axis->ZoomMinimum(), ZHi = Axis->ZoomMaximum();
+  const int32_t Numbers = Boundary(N, [](double X) { return !std::isnan(X); });
+  const int32_t AtLo = Boundary(Numbers, [ZLo](double X) { return X < ZLo; });
+  const int32_t PastHi = Boundary(Numbers, [ZHi](double X) { return X <= ZHi; });
+  FFirstIndex = AtLo < Numbers ? std::max(0, AtLo - 1) : 0;
+  FLastIndex = PastHi < Numbers ? PastHi : N - 1;
+  FVisibleCount = FLastIndex - FFirstIndex + 1;
 }
 
 // --- TKXCustomLineChart: geometry ---
@@ -180,39 +219,83 @@ void TKXCustomLineChart::DrawLine(TCanvas* Canvas, const TRect& Rect, bool Shado
   DrawLine(Canvas, First, Rect, X, Y, Shadow);
   const bool Line = FLineChartElements.Contains(bcLine);
   const bool Area = FLineChartElements.Contains(bcArea);
-  if (Area) {
-    for (int32_t I = FFirstIndex + 1; I <= FLastIndex; ++I)
-      DrawArea(Canvas, V->Items(I), Rect, X, Y, Shadow);
-  } else if (Line) {
-    for (int32_t I = FFirstIndex + 1; I <= FLastIndex; ++I)
-      DrawLine(Canvas, V->Items(I), Rect, X, Y, Shadow);
+  if (Area || Line) {
+    const TKXValueSummary* Summary = CanReduce(Canvas, Shadow) ? &V->Summary() : nullptr;
+    const bool OneColor = Shadow || !FOptions.Contains(coValueColors);
+    for (int32_t I = FFirstIndex + 1; I <= FLastIndex;) {
+      if (Summary && Summary->Plain(I)) {
+        int32_t End = Summary->NextNotPlain(I, FLastIndex) - 1;
+        if (!OneColor) End = Summary->NextOtherColor(I, End, Summary->Color(I)) - 1;
+        if (End - I + 1 >= MinReducedRun) {
+          DrawReducedRun(Canvas, *Summary, I, End, Rect, X, Y, Area, Shadow);
+          I = End + 1;
+          continue;
+        }
+      }
+      if (Area)
+        DrawArea(Canvas, V->Items(I), Rect, X, Y, Shadow);
+      else
+        DrawLine(Canvas, V->Items(I), Rect, X, Y, Shadow);
+      ++I;
+    }
   }
   if (FCloseLine && FFirstIndex >= 0 && Line) DrawLine(Canvas, First, Rect, X, Y, Shadow);
 }
 
+void TKXCustomLineChart::ApplyValueLook(TCanvas* Canvas, const TKX2DChartValue* Value, bool Fill,
+                                        bool Shadow) {
+  if (Shadow) return;
+  const TColor Own = Value->Selected()                  ? FSelectionColor
+                     : FOptions.Contains(coValueColors) ? Value->Color()
+                     : Fill                             ? GetColor()
+                                                        : FPen->Color();
+  if (Fill) {
+    Canvas->Pen()->SetColor(FPen->Color());
+    Canvas->Brush()->SetColor(Own);
+  } else {
+    Canvas->Pen()->SetColor(Own);
+  }
+}
+
 void TKXCustomLineChart::DrawLine(TCanvas* Canvas, const TKX2DChartValue* Value, const TRect& Rect,
                                   int32_t& X, int32_t& Y, bool Shadow) {
-  if (!Shadow) {
-    const TColor Color = Value->Selected()                  ? FSelectionColor
-                         : FOptions.Contains(coValueColors) ? Value->Color()
-                                                            : FPen->Color();
-    Canvas->Pen()->SetColor(Color);
-  }
+  ApplyValueLook(Canvas, Value, false, Shadow);
   const TPoint Cur = GetValuePoint(Value, Rect);
   DrawValueSegment(Canvas, Value, {X, Y}, Cur, Rect, false, Shadow);
   X = Cur.X;
   Y = Cur.Y;
 }
 
+bool TKXCustomLineChart::CanReduce(const TCanvas* Canvas, bool Shadow) const {
+  const TKX2DChartValues* V = Values();
+  return FReducedDrawing && !FCloseLine && (Shadow || !FOptions.Contains(coValueLabels)) &&
+         Canvas->Pen()->Mode() == pmCopy && V->Sorted() && V->SortByDimension() == V->XDim() &&
+         FLastIndex - FFirstIndex >= MinReducedRun;
+}
+
+void TKXCustomLineChart::DrawReducedRun(TCanvas* Canvas, const TKXValueSummary& Summary,
+                                        int32_t From, int32_t To, const TRect& Rect, int32_t& X,
+                                        int32_t& Y, bool Fill, bool Shadow) {
+  ApplyValueLook(Canvas, Values()->Items(From), Fill, Shadow);
+  const TKXPixelMap Map{FHorizontalAxis, FVerticalAxis, Rect, GetAdjOffsetVertical()};
+  // A line broken just before the run starts at its first value, as DrawValueSegment does.
+  TPoint Lead{X, Y};
+  if (Lead == NoPoint) Lead = {Map.PX(Summary.X(From)), Map.PY(Summary.Y(From))};
+  FReduced.clear();
+  FReduced.push_back(Lead);
+  ReduceLineRun(Summary, From, To, Map, FReduced);
+  for (size_t K = 1; K < FReduced.size(); ++K) {
+    GetPoints(FReduced[K - 1], FReduced[K], Rect, FSegment);
+    DrawSegment(Canvas, FSegment, Fill);
+  }
+  const TPoint End{Map.PX(Summary.X(To)), Map.PY(Summary.Y(To))};
+  X = End.X;
+  Y = End.Y;
+}
+
 void TKXCustomLineChart::DrawArea(TCanvas* Canvas, const TKX2DChartValue* Value, const TRect& Rect,
                                   int32_t& X, int32_t& Y, bool Shadow) {
-  if (!Shadow) {
-    Canvas->Pen()->SetColor(FPen->Color());
-    const TColor Color = Value->Selected()                  ? FSelectionColor
-                         : FOptions.Contains(coValueColors) ? Value->Color()
-                                                            : GetColor();
-    Canvas->Brush()->SetColor(Color);
-  }
+  ApplyValueLook(Canvas, Value, true, Shadow);
   const TPoint Cur = GetValuePoint(Value, Rect);
   DrawValueSegment(Canvas, Value, {X, Y}, Cur, Rect, true, Shadow);
   X = Cur.X;

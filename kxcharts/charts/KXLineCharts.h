@@ -78,6 +78,7 @@ protected:
   TBasicCharts FLineChartElements;
   // While true, SetOptions drops coReservedFlag from every set.
   bool FEnforceSingleOption = true;
+  bool FReducedDrawing = true;
 
 private:
   // Polylines that continue one another with the same pen wait here to be stroked as one
@@ -92,6 +93,8 @@ private:
   TStrokeRun FRun;
   // The points of the segment being drawn, kept so that the walk allocates nothing.
   TCanvasPoints FSegment;
+  // The vertices of a reduced run, kept for the same reason.
+  TCanvasPoints FReduced;
   // How far a label stands above its value in this pass (the height of a line of the
   // pass's font); -1 until the first label of the pass measures it.
   int32_t FLabelLift = -1;
@@ -108,6 +111,11 @@ public:
   bool EnforceSingleOption() const { return FEnforceSingleOption; }
   void SetEnforceSingleOption(bool Value) { FEnforceSingleOption = Value; }
   bool CloseLine() const { return FCloseLine; }
+  // Whether runs of values that look alike are drawn per pixel column (see DrawLine) rather
+  // than segment by segment; the picture is the same (see the README for the antialiased
+  // edges), the cost follows the columns. True by default; not stored.
+  bool ReducedDrawing() const { return FReducedDrawing; }
+  void SetReducedDrawing(bool Value);
   TKX2DChartValues* Values() const {
     return static_cast<TKX2DChartValues*>(TKXCustomChart::Values());
   }
@@ -143,7 +151,11 @@ public:
 protected:
   // The segments of the whole chart: the curve styles through DrawSmoothline; else the
   // first value (which places its label and, with an area, the left edge), then an area or
-  // a line segment for each later value in view, and the closing segment.
+  // a line segment for each later value in view, and the closing segment. With
+  // ReducedDrawing, a run of values that all look alike (plain in the sense of
+  // TKXValueSummary, one colour, no labels, the pen in pmCopy) is drawn through the few
+  // vertices per pixel column that ReduceLineRun keeps, each pair of them as a segment of
+  // the run's look; the values between such runs go segment by segment.
   virtual void DrawLine(TCanvas* Canvas, const TRect& Rect, bool Shadow);
   // The line segment from (X, Y) to Value in its look, and its label; (X, Y) becomes the
   // value's point, drawn or not.
@@ -181,8 +193,19 @@ protected:
   void InternalDraw(TCanvas* Canvas, const TRect& ARect) override;
   // Options against 1811.
   void DefineProperties(TFiler& Filer) override;
+  // The same span as the base finds, by halving rather than a walk over the values, when
+  // they are sorted rising on the axis's dimension (NaNs last).
+  void DoUpdateAxisInfo(TKXChartAxis* Axis) override;
 
 private:
+  // The pen (and, with Fill, the brush) of Value's segment, outside the shadow pass.
+  void ApplyValueLook(TCanvas* Canvas, const TKX2DChartValue* Value, bool Fill, bool Shadow);
+  // Whether this pass may reduce runs at all.
+  bool CanReduce(const TCanvas* Canvas, bool Shadow) const;
+  // The values From..To (plain, one look) reduced, from (X, Y) on; (X, Y) becomes the
+  // point of To.
+  void DrawReducedRun(TCanvas* Canvas, const TKXValueSummary& Summary, int32_t From, int32_t To,
+                      const TRect& Rect, int32_t& X, int32_t& Y, bool Fill, bool Shadow);
   // Steps 2 to 4 of a value's segment, shared by DrawLine and DrawArea.
   void DrawValueSegment(TCanvas* Canvas, const TKX2DChartValue* Value, TPoint Prev,
                         const TPoint& Cur, const TRect& Rect, bool Fill, bool Shadow);

@@ -79,6 +79,42 @@ TKX2DChartValue* TKX2DChartValues::Add(double X, double Y, const std::string& Ca
   return static_cast<TKX2DChartValue*>(TKXChartValues::Add(Numbers, Caption, Color));
 }
 
+const TKXValueSummary& TKX2DChartValues::Summary() const {
+  FSummary.Sync(this);
+  return FSummary;
+}
+
+void TKX2DChartValues::ValueChanged(TKXChartValue* Value, int32_t Dimension) {
+  inherited::ValueChanged(Value, Dimension);
+  if (Value->TKXChartValue::Collection() == this) FSummary.ValueChanged(Value->Index());
+}
+
+void TKX2DChartValues::VisibleChanged(TKXChartValue* Value) {
+  inherited::VisibleChanged(Value);
+  FSummary.ValueChanged(Value->Index());
+}
+
+void TKX2DChartValues::SelectionChanged(TKXChartValue* Value) {
+  inherited::SelectionChanged(Value);
+  FSummary.ValueChanged(Value->Index());
+}
+
+void TKX2DChartValues::LookChanged(TKXChartValue* Value) {
+  inherited::LookChanged(Value);
+  FSummary.ValueChanged(Value->Index());
+}
+
+void TKX2DChartValues::Notify(TCollectionItem* Item, TCollectionNotification Action) {
+  // While it is extracted the value still stands at its index.
+  if (Action == cnExtracting) FSummary.Removing(Item->Index());
+  inherited::Notify(Item, Action);
+}
+
+void TKX2DChartValues::ItemsMoved(int32_t From, int32_t To) {
+  inherited::ItemsMoved(From, To);
+  FSummary.InvalidateFrom(From);
+}
+
 void TKX2DChartValues::DefineProperties(TFiler& Filer) {
   inherited::DefineProperties(Filer);
   Filer.Property("SortByDimension", this, &TKX2DChartValues::SortByDimension,

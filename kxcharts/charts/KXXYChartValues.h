@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 
+#include "kxcharts/charts/KXValueSummary.h"
 #include "kxcharts/core/KXChartValues.h"
 #include "kxcharts/toolkit/KXClasses.h"
 #include "kxcharts/toolkit/KXTypes.h"
@@ -67,6 +68,10 @@ protected:
   const int32_t FYDim = 1;
   const int32_t FXDim = 0;
 
+private:
+  // Built on first use; told of every change from then on.
+  mutable TKXValueSummary FSummary;
+
 public:
   // Two dimensions, X the time dimension, Y the default one.
   TKX2DChartValues(TKXCustomChart* AOwner, TKXChartValueClass ValueClass);
@@ -103,8 +108,19 @@ public:
   TKX2DChartValuesEnumerator GetEnumerator() const { return TKX2DChartValuesEnumerator(this); }
   auto begin() const { return GetEnumerator().begin(); }
   auto end() const { return GetEnumerator().end(); }
+  // The summary of the values by index (X, Y, plainness, colour, and ranges of them), up
+  // to date. The first call reads every value; later ones read only what changed since.
+  const TKXValueSummary& Summary() const;
+
+  // Each also tells the summary.
+  void ValueChanged(TKXChartValue* Value, int32_t Dimension) override;
+  void VisibleChanged(TKXChartValue* Value) override;
+  void SelectionChanged(TKXChartValue* Value) override;
+  void LookChanged(TKXChartValue* Value) override;
 
 protected:
+  void Notify(TCollectionItem* Item, TCollectionNotification Action) override;
+  void ItemsMoved(int32_t From, int32_t To) override;
   // SortByDimension, then the date dimensions (always stored).
   void DefineProperties(TFiler& Filer) override;
   // DateTimeAxes in the set type of the class.

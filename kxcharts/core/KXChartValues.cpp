@@ -90,6 +90,7 @@ void TKXChartValue::SetCaption(const std::string& Value) {
 void TKXChartValue::SetColor(TColor Value) {
   if (FColor == Value) return;
   FColor = Value;
+  if (TKXChartValues* C = Collection()) C->LookChanged(this);
   Changed(false);
 }
 
@@ -97,6 +98,7 @@ void TKXChartValue::SetScale(float Value) {
   if (!(Value > 0.0f)) Value = 0.0f;
   if (FScale == Value) return;
   FScale = Value;
+  if (TKXChartValues* C = Collection()) C->LookChanged(this);
   Changed(false);
 }
 
@@ -104,6 +106,7 @@ void TKXChartValue::SetOpacity(float Value) {
   Value = Value > 1.0f ? 1.0f : (Value > 0.0f ? Value : 0.0f);
   if (FOpacity == Value) return;
   FOpacity = Value;
+  if (TKXChartValues* C = Collection()) C->LookChanged(this);
   Changed(false);
 }
 
@@ -242,6 +245,7 @@ void TKXChartValue::Assign(const TPersistent* Source) {
     C->CountIn(this, +1);
     if (!Caption().empty()) C->FHasCaptions = true;
     C->FNeedMetaUpdate = true;
+    C->LookChanged(this);
   }
   Changed(false);
 }
@@ -427,6 +431,8 @@ void TKXChartValues::VisibleChanged(TKXChartValue* Value) {
   FVisibleCount += Value->Visible() ? 1 : -1;
   if (UpdateCount() == 0 && FChart) FChart->ValueVisibleChanged(Value);
 }
+
+void TKXChartValues::LookChanged(TKXChartValue*) {}
 
 void TKXChartValues::SelectionChanged(TKXChartValue* Value) {
   FSelCount += Value->Selected() ? 1 : -1;

@@ -393,6 +393,9 @@ public:
   virtual void ValueChanged(TKXChartValue* Value, int32_t Dimension);
   virtual void VisibleChanged(TKXChartValue* Value);
   virtual void SelectionChanged(TKXChartValue* Value);
+  // Called by a value whose colour, scale or opacity changed, or that was assigned, also
+  // inside a bracket (where no Update reaches the collection); this level does nothing.
+  virtual void LookChanged(TKXChartValue* Value);
 
 protected:
   // Fills the four metadata arrays from all values, visible or not, through

@@ -404,6 +404,7 @@ void TCollection::MoveSlot(int32_t From, int32_t To) {
     std::rotate(B + To, B + From, B + From + 1);
     Renumber(FStart + static_cast<size_t>(To), FStart + static_cast<size_t>(From) + 1);
   }
+  ItemsMoved(std::min(From, To), std::max(From, To));
 }
 
 // --- TCollection: membership ---
@@ -479,6 +480,7 @@ void TCollection::ExchangeItems(int32_t Index1, int32_t Index2) {
   std::swap(FSlots[P1], FSlots[P2]);
   Renumber(P1, P1 + 1);
   Renumber(P2, P2 + 1);
+  ItemsMoved(std::min(Index1, Index2), std::max(Index1, Index2));
 }
 
 void TCollection::SetItem(int32_t Index, const TCollectionItem* Value) {
@@ -508,6 +510,8 @@ void TCollection::Changed() {
 void TCollection::Notify(TCollectionItem*, TCollectionNotification) {}
 
 void TCollection::Update(TCollectionItem*) {}
+
+void TCollection::ItemsMoved(int32_t, int32_t) {}
 
 void TCollection::Assign(const TPersistent* Source) {
   if (Source == this) return;

@@ -491,9 +491,14 @@ protected:
   virtual void Update(TCollectionItem* Item);
   // Update(nullptr) unless inside BeginUpdate/EndUpdate.
   void Changed();
-  // Swaps the items at two positions in O(1) without telling anyone; a descendant that
-  // sorts its items tells the change itself. Raises EListError for a bad index.
+  // Swaps the items at two positions in O(1) without telling anyone but ItemsMoved; a
+  // descendant that sorts its items tells the change itself. Raises EListError for a bad
+  // index.
   void ExchangeItems(int32_t Index1, int32_t Index2);
+  // Hears that the items from index From to index To (inclusive, From <= To) changed
+  // places (a move, an insert, an exchange), also inside BeginUpdate/EndUpdate, so that a
+  // descendant keeping data by index can tell what went stale. The base does nothing.
+  virtual void ItemsMoved(int32_t From, int32_t To);
 
 private:
   friend class TCollectionItem;

@@ -1,0 +1,119 @@
+#include "kxcharts/charts/KXLineReduction.h"
+
+#include <algorithm>
+
+#include "kxcharts/axes/KXChartAxis.h"
+
+namespace kx {
+
+namespace {
+
+// Columns with this many values or fewer are drawn through every value: the searches
+// would cost more than they save.
+constexpr int32_t SmallColumn = 6;
+// How many neighbours are tried one by one before a search through the summary.
+constexpr int32_t ShortLook = 8;
+
+void Push(TCanvasPoints& Points, TPoint P) {
+  if (Points.empty() || Points.back() != P) Points.push_back(P);
+}
+
+// The last index in I..To whose X lands in column Px (I's own); a gallop, then halving.
+int32_t LastInColumn(const TKXValueSummary& S, const TKXPixelMap& Map, int32_t I, int32_t To,
+                     int32_t Px) {
+  int32_t In = I, Step = 1;
+  while (true) {
+    const int64_t Next = int64_t(In) + Step;
+    if (Next > To || Map.PX(S.X(static_cast<int32_t>(Next))) != Px) break;
+    In = static_cast<int32_t>(Next);
+    Step *= 2;
+  }
+  int32_t Out = static_cast<int32_t>(std::min<int64_t>(int64_t(In) + Step, int64_t(To) + 1));
+  while (Out - In > 1) {
+    const int32_t Mid = In + (Out - In) / 2;
+    if (Map.PX(S.X(Mid)) == Px)
+      In = Mid;
+    else
+      Out = Mid;
+  }
+  return In;
+}
+
+// The first (last) index in From..To whose row is not Row; -1 when none.
+int32_t FirstOffRow(const TKXValueSummary& S, const TKXPixelMap& Map, int32_t From, int32_t To,
+                    int32_t Row) {
+  const int32_t Near = std::min(To, From + ShortLook - 1);
+  for (int32_t I = From; I <= Near; ++I)
+    if (Map.PY(S.Y(I)) != Row) return I;
+  return S.FirstWhere(Near + 1, To,
+                      [&](double Lo, double Hi) { return Map.PY(Lo) != Row || Map.PY(Hi) != Row; });
+}
+
+int32_t LastOffRow(const TKXValueSummary& S, const TKXPixelMap& Map, int32_t From, int32_t To,
+                   int32_t Row) {
+  const int32_t Near = std::max(From, To - ShortLook + 1);
+  for (int32_t I = To; I >= Near; --I)
+    if (Map.PY(S.Y(I)) != Row) return I;
+  return S.LastWhere(From, Near - 1,
+                     [&](double Lo, double Hi) { return Map.PY(Lo) != Row || Map.PY(Hi) != Row; });
+}
+
+// The vertices of the values A..B, all in column Px, after the last of Points.
+void ReduceColumn(const TKXValueSummary& S, const TKXPixelMap& Map, int32_t A, int32_t B,
+                  int32_t Px, TCanvasPoints& Points) {
+  TPoint First = Points.back();
+  // A lead point in another column joins this one by a slanted segment to its first value.
+  if (First.X != Px) {
+    First = {Px, Map.PY(S.Y(A))};
+    Push(Points, First);
+    ++A;
+  }
+  if (A > B) return;
+  double Lo = 0, Hi = 0;
+  S.MinMax(A, B, Lo, Hi);
+  const int32_t R1 = Map.PY(Lo), R2 = Map.PY(Hi);
+  const int32_t Top = std::min({R1, R2, First.Y}), Bottom = std::max({R1, R2, First.Y});
+  const TPoint Last{Px, Map.PY(S.Y(B))};
+  if (Top == Bottom) return; // every point is the first one
+  // The way the first segment that moves leaves the first point (-1 up, 1 down).
+  const int32_t K1 = FirstOffRow(S, Map, A, B, First.Y);
+  const int32_t Leave = K1 >= 0 && Map.PY(S.Y(K1)) < First.Y ? -1 : 1;
+  // The way the last segment that moves reaches the last point.
+  const int32_t K2 = LastOffRow(S, Map, A, B - 1, Last.Y);
+  const int32_t Before = K2 >= 0 ? Map.PY(S.Y(K2)) : First.Y;
+  const int32_t Arrive = Last.Y > Before ? 1 : -1;
+  const int32_t E1 = Leave < 0 ? Top : Bottom, E2 = Leave < 0 ? Bottom : Top;
+  Push(Points, {Px, E1});
+  Push(Points, {Px, E2});
+  if (Last.Y == E2) return;
+  // Reaching the last point downwards needs a point above it, upwards one below it.
+  if (Arrive > 0 ? E2 >= Last.Y : E2 <= Last.Y) Push(Points, {Px, E1});
+  Push(Points, Last);
+}
+
+} // namespace
+
+int32_t TKXPixelMap::PX(double X) const {
+  return Horizontal->AxisToPixel(X, Rect);
+}
+
+int32_t TKXPixelMap::PY(double Y) const {
+  return Vertical->AxisToPixel(YOffset + Y, Rect);
+}
+
+void ReduceLineRun(const TKXValueSummary& Summary, int32_t From, int32_t To, const TKXPixelMap& Map,
+                   TCanvasPoints& Points) {
+  for (int32_t I = From; I <= To;) {
+    const int32_t Px = Map.PX(Summary.X(I));
+    const int32_t K = LastInColumn(Summary, Map, I, To, Px);
+    if (K - I < SmallColumn) {
+      for (int32_t J = I; J <= K; ++J)
+        Push(Points, {Px, Map.PY(Summary.Y(J))});
+    } else {
+      ReduceColumn(Summary, Map, I, K, Px, Points);
+    }
+    I = K + 1;
+  }
+}
+
+} // namespace kx

@@ -1,0 +1,226 @@
+#include "kxcharts/charts/KXValueSummary.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kxcharts/charts/KXXYChartValues.h"
+
+namespace kx {
+
+// --- Being told ---
+
+void TKXValueSummary::Invalidate() {
+  FAll = true;
+  FDirty.clear();
+}
+
+void TKXValueSummary::InvalidateFrom(int32_t Index) {
+  if (FAll) return;
+  FCount = std::clamp(Index, 0, FCount);
+}
+
+void TKXValueSummary::ValueChanged(int32_t Index) {
+  if (FAll || Index < 0 || Index >= FCount) return;
+  FDirty.push_back(Index);
+  if (FDirty.size() > MaxDirty) {
+    InvalidateFrom(*std::min_element(FDirty.begin(), FDirty.end()));
+    FDirty.clear();
+  }
+}
+
+void TKXValueSummary::Removing(int32_t Index) {
+  if (FAll || Index < 0 || Index >= FCount) return;
+  if (Index > 0) {
+    InvalidateFrom(Index);
+    return;
+  }
+  // The front moves on; the leaf stays behind as a dead slot until Compact.
+  ++FBase;
+  --FCount;
+  std::erase(FDirty, 0);
+  for (int32_t& D : FDirty)
+    --D;
+}
+
+// --- Upkeep ---
+
+void TKXValueSummary::ReadValue(const TKX2DChartValues* Values, int32_t Index) {
+  const TKX2DChartValue* V = Values->Items(Index);
+  const double X = V->GetValue(Values->XDim()), Y = V->GetValue(Values->YDim());
+  const bool Plain = V->Visible() && !V->Selected() && V->Opacity() > 0.0f && V->Scale() == 1.0f &&
+                     std::isfinite(X) && std::isfinite(Y);
+  const uint8_t Flags =
+      static_cast<uint8_t>((Plain ? 0 : NotPlain) | (std::isfinite(Y) ? 0 : NoFinite));
+  const size_t P = Phys(Index);
+  if (P == FX.size()) {
+    FX.push_back(X);
+    FY.push_back(Y);
+    FFlags.push_back(Flags);
+    FColor.push_back(V->Color());
+  } else {
+    FX[P] = X;
+    FY[P] = Y;
+    FFlags[P] = Flags;
+    FColor[P] = V->Color();
+  }
+}
+
+void TKXValueSummary::Sync(const TKX2DChartValues* Values) {
+  const int32_t N = Values->Count();
+  if (FAll) {
+    FX.clear();
+    FY.clear();
+    FFlags.clear();
+    FColor.clear();
+    FLevels.clear();
+    FDirty.clear();
+    FBase = 0;
+    FCount = 0;
+    FAll = false;
+  }
+  FCount = std::min(FCount, N);
+  // Dead slots at the front are reclaimed once they outnumber the live ones, so that a
+  // sliding window pays O(1) per value for them.
+  if (FBase >= 1024 && FBase >= static_cast<size_t>(FCount)) Compact();
+  for (const int32_t I : FDirty) {
+    if (I >= FCount) continue;
+    ReadValue(Values, I);
+    Rebuild(Phys(I), Phys(I));
+  }
+  FDirty.clear();
+  const size_t End = Phys(FCount);
+  if (End == FX.size() && FCount == N) return;
+  FX.resize(End);
+  FY.resize(End);
+  FFlags.resize(End);
+  FColor.resize(End);
+  for (int32_t I = FCount; I < N; ++I)
+    ReadValue(Values, I);
+  FCount = N;
+  if (End < FX.size())
+    Rebuild(End, FX.size() - 1);
+  else
+    Rebuild(FX.size(), FX.size()); // only the level sizes
+}
+
+void TKXValueSummary::Compact() {
+  const auto Cut = static_cast<std::ptrdiff_t>(FBase);
+  FX.erase(FX.begin(), FX.begin() + Cut);
+  FY.erase(FY.begin(), FY.begin() + Cut);
+  FFlags.erase(FFlags.begin(), FFlags.begin() + Cut);
+  FColor.erase(FColor.begin(), FColor.begin() + Cut);
+  FBase = 0;
+  FLevels.clear();
+  if (!FX.empty()) Rebuild(0, FX.size() - 1);
+}
+
+void TKXValueSummary::Rebuild(size_t From, size_t To) {
+  // The level sizes follow the number of leaves; blocks past the end are dropped.
+  size_t Size = FX.size(), Levels = 0;
+  for (size_t S = Size; S > 1; S = (S + Fanout - 1) / Fanout)
+    ++Levels;
+  FLevels.resize(Levels);
+  for (size_t L = 0; L < Levels; ++L) {
+    Size = (Size + Fanout - 1) / Fanout;
+    TLevel& Lv = FLevels[L];
+    Lv.Lo.resize(Size);
+    Lv.Hi.resize(Size);
+    Lv.Flags.resize(Size);
+    Lv.Color.resize(Size);
+    if (From > To || From >= FX.size()) continue;
+    From /= Fanout;
+    To = std::min(To / Fanout, Size - 1);
+    for (size_t N = From; N <= To; ++N)
+      RebuildNode(L, N);
+  }
+}
+
+void TKXValueSummary::RebuildNode(size_t Level, size_t Node) {
+  TLevel& Lv = FLevels[Level];
+  const size_t First = Node * Fanout;
+  const size_t Below = Level == 0 ? FX.size() : FLevels[Level - 1].Lo.size();
+  const size_t Last = std::min(First + Fanout, Below);
+  double Lo = 0, Hi = 0;
+  uint8_t Flags = NoFinite;
+  TColor Color = Level == 0 ? FColor[First] : FLevels[Level - 1].Color[First];
+  for (size_t C = First; C < Last; ++C) {
+    double CLo, CHi;
+    uint8_t CFlags;
+    TColor CColor;
+    if (Level == 0) {
+      CLo = CHi = FY[C];
+      CFlags = FFlags[C];
+      CColor = FColor[C];
+    } else {
+      const TLevel& Down = FLevels[Level - 1];
+      CLo = Down.Lo[C];
+      CHi = Down.Hi[C];
+      CFlags = Down.Flags[C];
+      CColor = Down.Color[C];
+    }
+    Flags |= CFlags & (NotPlain | MixedColor);
+    if (CColor != Color) Flags |= MixedColor;
+    if (CFlags & NoFinite) continue;
+    if (Flags & NoFinite) {
+      Lo = CLo;
+      Hi = CHi;
+      Flags &= static_cast<uint8_t>(~NoFinite);
+    } else {
+      Lo = std::min(Lo, CLo);
+      Hi = std::max(Hi, CHi);
+    }
+  }
+  Lv.Lo[Node] = Lo;
+  Lv.Hi[Node] = Hi;
+  Lv.Flags[Node] = Flags;
+  Lv.Color[Node] = Color;
+}
+
+// --- Reading ---
+
+bool TKXValueSummary::MinMax(int32_t From, int32_t To, double& Lo, double& Hi) const {
+  bool Any = false;
+  const auto Take = [&](double L, double H) {
+    if (!Any) {
+      Lo = L;
+      Hi = H;
+      Any = true;
+    } else {
+      Lo = std::min(Lo, L);
+      Hi = std::max(Hi, H);
+    }
+  };
+  // A search whose tests never pass visits exactly the blocks that tile the range.
+  FindFirst(
+      From, To,
+      [&](size_t L, size_t N) {
+        const TLevel& Lv = FLevels[L];
+        if (!(Lv.Flags[N] & NoFinite)) Take(Lv.Lo[N], Lv.Hi[N]);
+        return false;
+      },
+      [&](size_t P) {
+        if (!(FFlags[P] & NoFinite)) Take(FY[P], FY[P]);
+        return false;
+      });
+  return Any;
+}
+
+int32_t TKXValueSummary::NextNotPlain(int32_t From, int32_t To) const {
+  const int32_t I = FindFirst(
+      From, To, [&](size_t L, size_t N) { return (FLevels[L].Flags[N] & NotPlain) != 0; },
+      [&](size_t P) { return (FFlags[P] & NotPlain) != 0; });
+  return I < 0 ? To + 1 : I;
+}
+
+int32_t TKXValueSummary::NextOtherColor(int32_t From, int32_t To, TColor Color) const {
+  const int32_t I = FindFirst(
+      From, To,
+      [&](size_t L, size_t N) {
+        const TLevel& Lv = FLevels[L];
+        return (Lv.Flags[N] & MixedColor) != 0 || Lv.Color[N] != Color;
+      },
+      [&](size_t P) { return FColor[P] != Color; });
+  return I < 0 ? To + 1 : I;
+}
+
+} // namespace kx

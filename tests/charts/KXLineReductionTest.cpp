@@ -1,0 +1,306 @@
+// The reduced drawing of line and area charts against drawing every segment, pixel by
+// pixel; and the summary it reads against the values themselves after every kind of change.
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <string>
+
+#include "tests/charts/KXChartsTestSupport.h"
+
+namespace kx::test {
+namespace {
+
+// --- Reduced and full drawing give the same picture ---
+
+enum TOddValue : uint8_t { ovNone, ovSelected, ovHidden, ovColor, ovNaN };
+
+struct TReduceCase {
+  std::string Name;
+  int32_t Width, Height, Count;
+  int32_t PenWidth;
+  bool Antialias;
+  bool Area;
+  double ZoomFraction; // of the X range, about its middle; 1 for no zoom
+  TOddValue Odd;
+  TLineChartStyle Style = lsStraight;
+};
+
+void PrintTo(const TReduceCase& C, std::ostream* Os) {
+  *Os << C.Name;
+}
+
+// Lines come out identical either way. Antialiased areas differ where the full drawing
+// blends an edge pixel once per polygon (each is filled on its own) and the reduced one
+// fewer times: no channel of any pixel by more than this, on no more than this share of the
+// painted pixels.
+constexpr int AntialiasChannelTolerance = 64;
+constexpr double AntialiasPixelShare = 0.02;
+
+class ReducedDrawing : public testing::TestWithParam<TReduceCase> {
+protected:
+  void SetUp() override {
+    ColorListIndex = 0;
+    Form.reset(New<TChartsForm>(nullptr));
+  }
+
+  // The chart of the case, drawn one way or the other; Segments gets the number of
+  // segments that reached the canvas.
+  TOwned<TBitmap> Render(bool Reduced, size_t& Segments) {
+    const TReduceCase& C = GetParam();
+    TKXCustomLineChart* Chart = nullptr;
+    TDrawLog* Log = nullptr;
+    if (C.Area) {
+      auto* A = New<TRecAreaChart>(Form.get());
+      Chart = A;
+      Log = &A->Log;
+    } else {
+      auto* L = New<TRecLineChart>(Form.get());
+      Chart = L;
+      Log = &L->Log;
+    }
+    TFinally Drop([Chart] { Chart->Free(); });
+    Chart->SetBounds(0, 0, C.Width, C.Height);
+    TChartOptions Options = Chart->Options() - coValueColors - coValueLabels;
+    if (C.Odd == ovColor) Options.Include(coValueColors);
+    Chart->SetOptions(Options);
+    Chart->SetLineStyle(C.Style);
+    Chart->Pen()->SetWidth(C.PenWidth);
+    Chart->Pen()->SetColor(clNavy);
+    if (C.Area) Chart->SetColor(clSkyBlue);
+    Chart->SetReducedDrawing(Reduced);
+    std::mt19937 Random(7);
+    std::normal_distribution<double> Step(0.0, 1.0);
+    double Y = 0;
+    {
+      TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+      for (int32_t I = 0; I < C.Count; ++I) {
+        Y += Step(Random);
+        TKX2DChartValue* V = Chart->Values()->Add(I, Y);
+        V->SetColor(clNavy);
+      }
+    }
+    const int32_t Mid = C.Count / 2;
+    TKX2DChartValue* Odd = Chart->Values()->Items(Mid);
+    switch (C.Odd) {
+    case ovSelected:
+      Odd->SetSelected(true);
+      break;
+    case ovHidden:
+      Odd->SetVisible(false);
+      break;
+    case ovNaN:
+      Odd->SetY(std::nan(""));
+      break;
+    case ovColor:
+      for (int32_t I = Mid; I < Mid + C.Count / 10; ++I)
+        Chart->Values()->Items(I)->SetColor(clMaroon);
+      break;
+    case ovNone:
+      break;
+    }
+    Chart->HorizontalAxis()->UpdateAxisValues();
+    Chart->VerticalAxis()->UpdateAxisValues();
+    if (C.ZoomFraction < 1) {
+      const double Half = C.Count * C.ZoomFraction / 2;
+      Chart->HorizontalAxis()->SetZoomMinimum(Mid - Half);
+      Chart->HorizontalAxis()->SetZoomMaximum(Mid + Half);
+    }
+    TOwned<TBitmap> B = MakeBitmap(C.Width, C.Height);
+    if (!C.Antialias) cairo_set_antialias(B->Canvas()->Handle(), CAIRO_ANTIALIAS_NONE);
+    Log->Clear();
+    Chart->Draw(B->Canvas(), {0, 0, C.Width, C.Height});
+    Segments = Log->Segments.size();
+    return B;
+  }
+
+  TOwned<TChartsForm> Form;
+};
+
+TEST_P(ReducedDrawing, GivesThePictureOfEverySegment) {
+  const TReduceCase& C = GetParam();
+  size_t FullSegments = 0, ReducedSegments = 0;
+  const TOwned<TBitmap> Full = Render(false, FullSegments);
+  const TOwned<TBitmap> Reduced = Render(true, ReducedSegments);
+  // The reduction took place: fewer segments reached the canvas, far fewer where many
+  // values share a column.
+  EXPECT_LT(ReducedSegments, FullSegments);
+  if (C.Count * C.ZoomFraction / C.Width >= 10) {
+    EXPECT_LT(ReducedSegments * 2, FullSegments);
+  }
+  const int32_t Painted = CountPainted(Full.get());
+  ASSERT_GT(Painted, C.Width); // a line across the picture at the least
+  int32_t Differ = 0, Worst = 0;
+  TPoint First{-1, -1};
+  for (int32_t Y = 0; Y < C.Height; ++Y)
+    for (int32_t X = 0; X < C.Width; ++X) {
+      const TColor A = Full->Canvas()->Pixel(X, Y), B = Reduced->Canvas()->Pixel(X, Y);
+      if (A == B) continue;
+      if (Differ++ == 0) First = {X, Y};
+      Worst = std::max({Worst, std::abs(int(GetRValue(A)) - int(GetRValue(B))),
+                        std::abs(int(GetGValue(A)) - int(GetGValue(B))),
+                        std::abs(int(GetBValue(A)) - int(GetBValue(B)))});
+    }
+  if (!C.Antialias || !C.Area) {
+    EXPECT_EQ(Differ, 0) << "first at " << First.X << "," << First.Y;
+  } else {
+    EXPECT_LE(Worst, AntialiasChannelTolerance) << "first at " << First.X << "," << First.Y;
+    EXPECT_LE(Differ, Painted * AntialiasPixelShare) << "of " << Painted;
+  }
+}
+
+std::vector<TReduceCase> ReduceCases() {
+  std::vector<TReduceCase> Cases;
+  struct TSize3 {
+    int32_t W, H, N;
+  };
+  const TSize3 Sizes[] = {{100, 80, 3000}, {240, 160, 3500}, {57, 300, 2500}};
+  const TOddValue Odds[] = {ovNone, ovSelected, ovHidden, ovColor, ovNaN};
+  const char* OddNames[] = {"Plain", "Selected", "Hidden", "ColorChange", "NaN"};
+  int32_t K = 0;
+  for (const bool Area : {false, true})
+    for (const bool Aa : {false, true})
+      for (const int32_t Pen : {1, 2, 3})
+        for (const double Zoom : {1.0, 0.3}) {
+          const TSize3 S = Sizes[K % 3];
+          const TOddValue Odd = Odds[K % 5];
+          ++K;
+          Cases.push_back({std::string(Area ? "Area" : "Line") + (Aa ? "Aa" : "NoAa") + "Pen" +
+                               std::to_string(Pen) + (Zoom < 1 ? "Zoomed" : "Whole") +
+                               OddNames[Odd] + std::to_string(S.W) + "x" + std::to_string(S.H),
+                           S.W, S.H, S.N, Pen, Aa, Area, Zoom, Odd});
+        }
+  // The step styles are not curves: they reduce as well.
+  Cases.push_back(
+      {"StepHorizontalNoAa", 120, 90, 3000, 1, false, false, 1, ovHidden, lsStepHorizontal});
+  Cases.push_back(
+      {"StepVerticalNoAa", 120, 90, 3000, 2, false, false, 1, ovSelected, lsStepVertical});
+  return Cases;
+}
+
+INSTANTIATE_TEST_SUITE_P(Charts, ReducedDrawing, testing::ValuesIn(ReduceCases()),
+                         [](const auto& Info) { return Info.param.Name; });
+
+// --- The summary follows its values ---
+
+class ValueSummary : public ChartAlone<TRecLineChart> {
+protected:
+  // Every question of the summary over many ranges, against the values themselves.
+  void ExpectMatchesValues(const std::string& After) {
+    SCOPED_TRACE(After);
+    const TKX2DChartValues* V = Chart->Values();
+    const TKXValueSummary& S = V->Summary();
+    ASSERT_EQ(S.Count(), V->Count());
+    const auto Same = [](double A, double B) { return A == B || (std::isnan(A) && std::isnan(B)); };
+    const auto Plain = [](const TKX2DChartValue* Value) {
+      return Value->Visible() && !Value->Selected() && Value->Opacity() > 0 &&
+             Value->Scale() == 1 && std::isfinite(Value->X()) && std::isfinite(Value->Y());
+    };
+    for (int32_t I = 0; I < V->Count(); ++I) {
+      ASSERT_TRUE(Same(S.Y(I), V->Items(I)->Y())) << I;
+      ASSERT_TRUE(Same(S.X(I), V->Items(I)->X())) << I;
+      ASSERT_EQ(S.Plain(I), Plain(V->Items(I))) << I;
+    }
+    std::mt19937 Random(11);
+    for (int K = 0; K < 60 && V->Count() > 0; ++K) {
+      std::uniform_int_distribution<int32_t> Pick(0, V->Count() - 1);
+      int32_t A = Pick(Random), B = Pick(Random);
+      if (A > B) std::swap(A, B);
+      double Lo = 0, Hi = 0, ELo = INFINITY, EHi = -INFINITY;
+      int32_t NotPlain = B + 1, OtherColor = B + 1, Above = -1, LastAbove = -1;
+      const double Cut = V->Items(A)->Y();
+      for (int32_t I = A; I <= B; ++I) {
+        const TKX2DChartValue* Value = V->Items(I);
+        if (std::isfinite(Value->Y())) {
+          ELo = std::min(ELo, Value->Y());
+          EHi = std::max(EHi, Value->Y());
+          if (Value->Y() > Cut) {
+            if (Above < 0) Above = I;
+            LastAbove = I;
+          }
+        }
+        if (NotPlain > B && !Plain(Value)) NotPlain = I;
+        if (OtherColor > B && Value->Color() != V->Items(A)->Color()) OtherColor = I;
+      }
+      const bool Any = S.MinMax(A, B, Lo, Hi);
+      ASSERT_EQ(Any, ELo <= EHi) << A << ".." << B;
+      if (Any) {
+        EXPECT_EQ(Lo, ELo) << A << ".." << B;
+        EXPECT_EQ(Hi, EHi) << A << ".." << B;
+      }
+      EXPECT_EQ(S.NextNotPlain(A, B), NotPlain) << A << ".." << B;
+      EXPECT_EQ(S.NextOtherColor(A, B, V->Items(A)->Color()), OtherColor) << A << ".." << B;
+      const auto IsAbove = [Cut](double, double H) { return H > Cut; };
+      EXPECT_EQ(S.FirstWhere(A, B, IsAbove), Above) << A << ".." << B;
+      EXPECT_EQ(S.LastWhere(A, B, IsAbove), LastAbove) << A << ".." << B;
+    }
+  }
+
+  void AddWalk(int32_t N, double FromX = 0) {
+    std::mt19937 Random(static_cast<unsigned>(N));
+    std::normal_distribution<double> Step(0.0, 1.0);
+    double Y = 0;
+    for (int32_t I = 0; I < N; ++I)
+      Chart->Values()->Add(FromX + I, Y += Step(Random));
+  }
+};
+
+TEST_F(ValueSummary, FollowsEveryKindOfChange) {
+  TKX2DChartValues* V = Chart->Values();
+  AddWalk(3000);
+  ExpectMatchesValues("adding");
+  AddWalk(700, 3000);
+  ExpectMatchesValues("appending");
+
+  using TChange = std::pair<const char*, std::function<void()>>;
+  const TChange Changes[] = {
+      {"a Y in the middle", [&] { V->Items(1234)->SetY(1e6); }},
+      {"a hidden value", [&] { V->Items(77)->SetVisible(false); }},
+      {"a selected value", [&] { V->Items(2500)->SetSelected(true); }},
+      {"a scaled value", [&] { V->Items(1500)->SetScale(2); }},
+      {"a transparent value", [&] { V->Items(40)->SetOpacity(0); }},
+      {"a colour inside a bracket",
+       [&] {
+         TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+         V->Items(999)->SetColor(clRed);
+       }},
+      {"a value assigned", [&] { V->Items(10)->Assign(V->Items(2500)); }},
+      {"a NaN", [&] { V->Items(3333)->SetY(std::nan("")); }},
+      {"an X that moves its value", [&] { V->Items(200)->SetX(2999.5); }},
+      {"a delete in the middle", [&] { V->Items(1800)->Free(); }},
+      {"a delete at the front", [&] { V->Items(0)->Free(); }},
+      {"a delete at the end", [&] { V->Items(V->Count() - 1)->Free(); }},
+      {"an insert", [&] { V->Insert(500)->SetY(-1e6); }},
+      {"a limit", [&] { V->SetLimit(2000); }},
+  };
+  for (const auto& [What, Change] : Changes) {
+    Change();
+    ExpectMatchesValues(What);
+  }
+}
+
+TEST_F(ValueSummary, SlidesWithALimitAcrossManyCompactions) {
+  TKX2DChartValues* V = Chart->Values();
+  V->SetLimit(1500);
+  AddWalk(1500);
+  ExpectMatchesValues("full");
+  for (int Round = 1; Round <= 6; ++Round) {
+    AddWalk(1100, 1500.0 * Round);
+    ExpectMatchesValues("round " + std::to_string(Round));
+  }
+  EXPECT_EQ(V->Count(), 1500);
+}
+
+TEST_F(ValueSummary, ReadsEverythingAgainAfterASort) {
+  TKX2DChartValues* V = Chart->Values();
+  V->SetSorted(false);
+  std::mt19937 Random(3);
+  std::uniform_real_distribution<double> Any(-50, 50);
+  for (int I = 0; I < 900; ++I)
+    V->Add(Any(Random), Any(Random));
+  ExpectMatchesValues("unsorted");
+  V->Sort();
+  ExpectMatchesValues("sorted");
+}
+
+} // namespace
+} // namespace kx::test
