@@ -40,6 +40,21 @@ void PaintSheet(const TGallerySheet& Sheet, TCanvas* Canvas) {
 
 } // namespace
 
+void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area) {
+  Panel->PaintTo(Canvas, Area.Left, Area.Top);
+  // A panel that has not laid itself out (no plot rectangle yet) paints its frame only; its
+  // charts are then drawn inside the frame, so that the picture still shows them.
+  if (Panel->ChartRect().IsEmpty()) {
+    for (TKXChartAxis* Axis :
+         {Panel->BottomAxis(), Panel->TopAxis(), Panel->LeftAxis(), Panel->RightAxis()})
+      Axis->UpdateAxisValues();
+    const int32_t Margin = 40;
+    Panel->DrawCharts(Canvas,
+                      {Area.Left + Margin, Area.Top + Margin / 2,
+                       Area.Left + Panel->Width() - Margin, Area.Top + Panel->Height() - Margin});
+  }
+}
+
 void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder) {
   std::filesystem::create_directories(Folder);
   for (const TGallerySheet& Sheet : Sheets) {
