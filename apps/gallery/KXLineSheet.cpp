@@ -2,7 +2,7 @@
 // with a new area chart, a chart alone on a form, and a dashboard that puts several charts,
 // two axes and dates together. Then the line sheet: line and area charts in every style,
 // alone on their own axes and stacked in a panel (which casts the charts' shadow), with value
-// labels, a selected value, a gap and the preview a new chart shows.
+// labels, a selected value and a gap.
 #include <cmath>
 #include <functional>
 #include <string>
@@ -198,11 +198,14 @@ void PaintLines(TCanvas* C, const TRect&) {
     L->Values()->Items(8)->SetVisible(false);
     DrawAlone(C, L, R);
   });
-  Next("Preview: what a new line chart shows", [&](const TRect& R) {
-    auto* L = New<TKXLineChart>(Form.get());
-    L->SetPreview(true);
-    // Room for the labels at the ends.
-    DrawAlone(C, L, {R.Left + 30, R.Top + 6, R.Right - 40, R.Bottom});
+  Next("lsSmooth area with both elements: the outline is the area's", [&](const TRect& R) {
+    auto* A = MakeChart<TKXAreaChart>(Form.get(), 10, 1.9);
+    A->SetOptions(A->Options() - coValueColors - coValueLabels);
+    A->SetLineChartElements({bcLine, bcArea});
+    A->SetLineStyle(lsSmooth);
+    A->SetColor(static_cast<TColor>(0xD8C0A8));
+    A->Pen()->SetColor(static_cast<TColor>(0x805020));
+    DrawAlone(C, A, R);
   });
 }
 
@@ -210,8 +213,8 @@ void PaintLines(TCanvas* C, const TRect&) {
 
 void AddLineSheets(std::vector<TGallerySheet>& Sheets) {
   Sheets.push_back({"line-styles",
-                    "Line and area charts: styles, stacking, labels, selection, preview",
-                    SheetWidth, Top * 2 + 3 * CellH, PaintLines});
+                    "Line and area charts: styles, stacking, labels, selection, gaps", SheetWidth,
+                    Top * 2 + 3 * CellH, PaintLines});
 }
 
 // --- The chart kinds ---
@@ -260,6 +263,12 @@ void PaintAlone(TCanvas* C, const TRect& Area) {
   const double Sales[] = {12, 19, 15, 24, 22, 31, 28, 35};
   for (int I = 0; I < 8; ++I)
     Line->Values()->Add(I, Sales[I], Months[I]);
+  // A little room beyond the first and the last value, so that their labels show whole.
+  Line->HorizontalAxis()->SetMinimum(-0.5);
+  Line->HorizontalAxis()->SetMaximum(7.5);
+  // The minimum is 0 already, so setting it would not end the automatic range.
+  Line->VerticalAxis()->SetOptions(Line->VerticalAxis()->Options() - aoAutoMinimum);
+  Line->VerticalAxis()->SetMaximum(40);
   Form->PaintTo(C, Area.Left, Area.Top);
 }
 
@@ -272,7 +281,8 @@ void PaintDashboard(TCanvas* C, const TRect& Area) {
   TKXChartAxis* Bottom = P->BottomAxis();
   Bottom->SetLabelStyle(alsDateTime);
   Bottom->SetDateTimeFormat("mmm d");
-  P->LeftAxis()->SetMinimum(0);
+  // The minimum is 0 already, so setting it would not end the automatic range.
+  P->LeftAxis()->SetOptions(P->LeftAxis()->Options() - aoAutoMinimum);
   P->RightAxis()->SetVisible(true);
   P->RightAxis()->SetOptions(P->RightAxis()->Options() + aoLogarithmic);
 
