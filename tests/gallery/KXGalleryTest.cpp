@@ -1,5 +1,7 @@
 // The gallery as a reader opens it: CTest has run the gallery program into a fresh folder
 // (KX_GALLERY_DIR) before these tests; they read its index.html and every picture it names.
+#include <algorithm>
+#include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
