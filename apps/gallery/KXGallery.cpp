@@ -40,6 +40,27 @@ void PaintSheet(const TGallerySheet& Sheet, TCanvas* Canvas) {
 
 } // namespace
 
+void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area) {
+  Panel->PaintTo(Canvas, Area.Left, Area.Top);
+  // A panel that has not laid itself out (no plot rectangle yet) paints its frame only; its
+  // legend and charts are then drawn inside the frame, so that the picture still shows them.
+  if (!Panel->ChartRect().IsEmpty()) return;
+  for (TKXChartAxis* Axis :
+       {Panel->BottomAxis(), Panel->TopAxis(), Panel->LeftAxis(), Panel->RightAxis()})
+    Axis->UpdateAxisValues();
+  const int32_t Margin = 40;
+  TRect Plot{Area.Left + Margin, Area.Top + Margin / 2, Area.Left + Panel->Width() - Margin,
+             Area.Top + Panel->Height() - Margin};
+  TKXChartLegend* Legend = Panel->Legend();
+  if (Legend->Visible() && Panel->Charts()->Count() > 1) {
+    int32_t Longest = 0;
+    const TRect Box = Legend->BoundsRect(Canvas, Plot, Longest);
+    Legend->Draw(Canvas, Plot);
+    Plot.Right = Box.Left - Margin / 2;
+  }
+  Panel->DrawCharts(Canvas, Plot);
+}
+
 void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder) {
   std::filesystem::create_directories(Folder);
   for (const TGallerySheet& Sheet : Sheets) {

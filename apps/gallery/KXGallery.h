@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "kxcharts/core/KXCustomChartPanel.h"
 #include "kxcharts/toolkit/KXCanvas.h"
 
 namespace kx::gallery {
@@ -23,7 +24,13 @@ struct TGallerySheet {
 // shows them with their captions. Raises an Exception naming the file that cannot be written.
 void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder);
 
-// The sheets of each area of the library, added in the order the index shows them.
+// Paints Panel at its own size with its top left at that of Area, through the panel's own
+// painting (PaintTo): what a window showing the panel would show.
+void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area);
+
+// The sheets of each area of the library, added in the order the index shows them. The
+// chart kinds come first: one picture per kind, a chart alone and a dashboard.
+void AddChartKindSheets(std::vector<TGallerySheet>& Sheets);
 void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
 void AddControlsSheets(std::vector<TGallerySheet>& Sheets);
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets);

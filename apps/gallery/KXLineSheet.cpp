@@ -1,6 +1,8 @@
-// The line sheet: line and area charts in every style, alone on their own axes and stacked
-// in a panel (which casts the charts' shadow), with value labels, a selected value, a gap
-// and the preview a new chart shows.
+// The chart kinds of the line family as a user meets them: a panel with a new line chart, one
+// with a new area chart, a chart alone on a form, and a dashboard that puts several charts,
+// two axes and dates together. Then the line sheet: line and area charts in every style,
+// alone on their own axes and stacked in a panel (which casts the charts' shadow), with value
+// labels, a selected value and a gap.
 #include <cmath>
 #include <functional>
 #include <string>
@@ -9,6 +11,8 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/toolkit/KXDateUtils.h"
+#include "kxcharts/toolkit/KXForms.h"
 
 namespace kx::gallery {
 
@@ -194,19 +198,160 @@ void PaintLines(TCanvas* C, const TRect&) {
     L->Values()->Items(8)->SetVisible(false);
     DrawAlone(C, L, R);
   });
-  Next("Preview: what a new line chart shows", [&](const TRect& R) {
-    auto* L = New<TKXLineChart>(Form.get());
-    L->SetPreview(true);
-    // Room for the labels at the ends.
-    DrawAlone(C, L, {R.Left + 30, R.Top + 6, R.Right - 40, R.Bottom});
+  Next("lsSmooth area with both elements: the outline is the area's", [&](const TRect& R) {
+    auto* A = MakeChart<TKXAreaChart>(Form.get(), 10, 1.9);
+    A->SetOptions(A->Options() - coValueColors - coValueLabels);
+    A->SetLineChartElements({bcLine, bcArea});
+    A->SetLineStyle(lsSmooth);
+    A->SetColor(static_cast<TColor>(0xD8C0A8));
+    A->Pen()->SetColor(static_cast<TColor>(0x805020));
+    DrawAlone(C, A, R);
   });
 }
 
 } // namespace
 
 void AddLineSheets(std::vector<TGallerySheet>& Sheets) {
-  Sheets.push_back({"line", "Line and area charts: styles, stacking, labels, selection, preview",
-                    SheetWidth, Top * 2 + 3 * CellH, PaintLines});
+  Sheets.push_back({"line-styles",
+                    "Line and area charts: styles, stacking, labels, selection, gaps", SheetWidth,
+                    Top * 2 + 3 * CellH, PaintLines});
+}
+
+// --- The chart kinds ---
+
+namespace {
+
+constexpr int32_t KindW = 640, KindH = 400;
+
+// A form holding one panel of the sheet's size.
+struct TPanelForm {
+  TOwned<TForm> Form{New<TForm>(nullptr)};
+  TKXChartPanel* Panel = nullptr;
+
+  TPanelForm(int32_t W, int32_t H) {
+    ColorListIndex = 0;
+    Form->SetBounds(0, 0, W, H);
+    Panel = New<TKXChartPanel>(Form.get());
+    Panel->SetParent(Form.get());
+    Panel->SetBounds(0, 0, W, H);
+  }
+};
+
+// A panel with one new chart of the class: the sample values a chart shows before it has
+// values of its own.
+template <class TChart> void PaintKind(TCanvas* C, const TRect& Area, const char* Caption) {
+  TPanelForm F(Area.Right - Area.Left, Area.Bottom - Area.Top);
+  auto* Chart = New<TChart>(F.Form.get());
+  Chart->SetCaption(Caption);
+  Chart->SetPanel(F.Panel);
+  Chart->SetPreview(true);
+  PaintPanel(C, F.Panel, Area);
+}
+
+// A line chart alone on a form: no panel, its own invisible axes found from its values.
+void PaintAlone(TCanvas* C, const TRect& Area) {
+  ColorListIndex = 0;
+  TOwned<TForm> Form(New<TForm>(nullptr));
+  Form->SetBounds(0, 0, Area.Right - Area.Left, Area.Bottom - Area.Top);
+  Form->SetColor(clWhite);
+  auto* Line = New<TKXLineChart>(Form.get());
+  Line->SetParent(Form.get());
+  Line->SetBounds(30, 30, Form->Width() - 60, Form->Height() - 60);
+  Line->SetOptions(Line->Options() - coValueColors);
+  Line->SetColor(static_cast<TColor>(0x8A5A1E));
+  const char* Months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug"};
+  const double Sales[] = {12, 19, 15, 24, 22, 31, 28, 35};
+  for (int I = 0; I < 8; ++I)
+    Line->Values()->Add(I, Sales[I], Months[I]);
+  // A little room beyond the first and the last value, so that their labels show whole.
+  Line->HorizontalAxis()->SetMinimum(-0.5);
+  Line->HorizontalAxis()->SetMaximum(7.5);
+  // The minimum is 0 already, so setting it would not end the automatic range.
+  Line->VerticalAxis()->SetOptions(Line->VerticalAxis()->Options() - aoAutoMinimum);
+  Line->VerticalAxis()->SetMaximum(40);
+  Form->PaintTo(C, Area.Left, Area.Top);
+}
+
+// Three lines (one on a logarithmic right axis), a stacked pair of areas, dates along the
+// bottom and a legend of the charts.
+void PaintDashboard(TCanvas* C, const TRect& Area) {
+  TPanelForm F(Area.Right - Area.Left, Area.Bottom - Area.Top);
+  TKXChartPanel* P = F.Panel;
+  P->Legend()->SetLegendStyle(lsCharts);
+  TKXChartAxis* Bottom = P->BottomAxis();
+  Bottom->SetLabelStyle(alsDateTime);
+  Bottom->SetDateTimeFormat("mmm d");
+  // The minimum is 0 already, so setting it would not end the automatic range.
+  P->LeftAxis()->SetOptions(P->LeftAxis()->Options() - aoAutoMinimum);
+  P->RightAxis()->SetVisible(true);
+  P->RightAxis()->SetOptions(P->RightAxis()->Options() + aoLogarithmic);
+
+  const TDateTime Start = EncodeDate(2024, 1, 1);
+  constexpr int Days = 120, Step = 4;
+  const auto Fill = [&](TKXCustomLineChart* Chart, const std::function<double(int)>& Y) {
+    TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+    Chart->Values()->SetDateTimeAxes({xyX});
+    for (int D = 0; D <= Days; D += Step)
+      Chart->Values()->Add(Start + D, Y(D));
+  };
+  const auto Line = [&](const char* Caption, TColor Color) {
+    auto* L = New<TKXLineChart>(F.Form.get());
+    L->SetCaption(Caption);
+    L->SetOptions(L->Options() - coValueColors - coValueLabels);
+    L->SetColor(Color);
+    return L;
+  };
+
+  // The stacked pair comes first, so that the lines lie over it; the upper area is drawn
+  // first, as each area fills down to the baseline, and the axis stacks in the other order.
+  const char* AreaNames[] = {"Online orders", "Store orders"};
+  const TColor AreaColors[] = {static_cast<TColor>(0xE8D2B4), static_cast<TColor>(0xB4D8C8)};
+  TKXAreaChart* Areas[2];
+  for (int K = 0; K < 2; ++K) {
+    auto* A = New<TKXAreaChart>(F.Form.get());
+    A->SetCaption(AreaNames[K]);
+    A->SetOptions(A->Options() - coValueColors - coValueLabels);
+    A->SetColor(AreaColors[K]);
+    // Each value's piece is outlined: in the fill's colour the pieces join without seams.
+    A->Pen()->SetColor(AreaColors[K]);
+    A->Pen()->SetWidth(1);
+    A->SetGroup(1);
+    Fill(A, [K](int D) { return 20 + 6 * K + 5 * std::sin(D / (9.0 + 4 * K)) + D * 0.05; });
+    A->SetPanel(P);
+    Areas[K] = A;
+  }
+  for (TKXAreaChart* A : Areas)
+    A->SetGroupIndex(0);
+  Areas[0]->SetGroupStyle(gsStacked);
+
+  auto* Revenue = Line("Revenue", static_cast<TColor>(0x3050C0));
+  Fill(Revenue, [](int D) { return 70 + 12 * std::sin(D / 11.0) + D * 0.15; });
+  Revenue->SetPanel(P);
+  auto* Costs = Line("Costs", static_cast<TColor>(0x806020));
+  Fill(Costs, [](int D) { return 60 + 6 * std::cos(D / 15.0) + D * 0.08; });
+  Costs->SetPanel(P);
+  auto* Visitors = Line("Visitors (right, log)", static_cast<TColor>(0x208040));
+  Fill(Visitors, [](int D) { return 50 * std::pow(10.0, D / 45.0); });
+  Visitors->SetPanel(P);
+  Visitors->SetVertAxis(vaRight);
+  PaintPanel(C, P, Area);
+}
+
+} // namespace
+
+void AddChartKindSheets(std::vector<TGallerySheet>& Sheets) {
+  Sheets.push_back({"line", "TKXLineChart in a chart panel, with the values a new chart shows",
+                    KindW, KindH,
+                    [](TCanvas* C, const TRect& A) { PaintKind<TKXLineChart>(C, A, "Line"); }});
+  Sheets.push_back({"area", "TKXAreaChart in a chart panel, with the values a new chart shows",
+                    KindW, KindH,
+                    [](TCanvas* C, const TRect& A) { PaintKind<TKXAreaChart>(C, A, "Area"); }});
+  Sheets.push_back(
+      {"line-alone", "A line chart alone on a form, on its own axes", KindW, KindH, PaintAlone});
+  Sheets.push_back({"dashboard",
+                    "Dashboard: three lines (one on a logarithmic right axis), a stacked pair "
+                    "of areas, dates along the bottom, a legend of the charts",
+                    1000, 600, PaintDashboard});
 }
 
 } // namespace kx::gallery

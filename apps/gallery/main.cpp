@@ -10,6 +10,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   std::vector<kx::gallery::TGallerySheet> Sheets;
+  kx::gallery::AddChartKindSheets(Sheets);
   kx::gallery::AddToolkitSheets(Sheets);
   kx::gallery::AddControlsSheets(Sheets);
   kx::gallery::AddElementsSheets(Sheets);

@@ -1,0 +1,134 @@
+#include "kxcharts/charts/KXChartPointInfo.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "kxcharts/core/KXCustomChart.h"
+#include "kxcharts/toolkit/KXStreaming.h"
+
+namespace kx {
+
+// --- TKXCustomChartPointInfo ---
+
+void TKXCustomChartPointInfo::Initialize() {
+  inherited::Initialize();
+  FWidth = 10;
+  FHeight = 10;
+  Brush()->SetColor(GetChartColor());
+}
+
+void TKXCustomChartPointInfo::SetHeight(int32_t Value) {
+  if (Value < 0) Value = 0;
+  if (Value == FHeight) return;
+  FHeight = Value;
+  Changed();
+}
+
+void TKXCustomChartPointInfo::SetWidth(int32_t Value) {
+  if (Value < 0) Value = 0;
+  if (Value == FWidth) return;
+  FWidth = Value;
+  Changed();
+}
+
+void TKXCustomChartPointInfo::SetStyle(TKXShapeStyle Value) {
+  if (Value == FStyle) return;
+  FStyle = Value;
+  Changed();
+}
+
+void TKXCustomChartPointInfo::SetDefaultStyle(TKXShapeStyle Value) {
+  if (Value == FDefaultStyle || Value == shpImage) return;
+  FDefaultStyle = Value;
+  Changed();
+}
+
+void TKXCustomChartPointInfo::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
+  inherited::InternalDraw(Canvas, ARect);
+  // The image list is the owning chart's; an element drawn on its own has none.
+  DrawPoint(Canvas, ARect, 1.0f, nullptr, -1);
+}
+
+void TKXCustomChartPointInfo::DrawPoint(TCanvas* Canvas, const TRect& ARect, float Opacity,
+                                        const TImageList* Images, int32_t ImageIndex) {
+  if (Opacity == 0.0f) return;
+  const int64_t Span = std::abs(int64_t{ARect.Right} - int64_t{ARect.Left});
+  const auto Width = static_cast<int32_t>(std::min<int64_t>(Span, INT32_MAX));
+  const int32_t LineWidth = CanvasMax({1, CanvasDiv(Width, 20)});
+  DrawShape(Canvas, ARect, Images, ImageIndex, FStyle, FDefaultStyle, true, clBtnHighlight,
+            clBtnShadow, LineWidth);
+}
+
+void TKXCustomChartPointInfo::Assign(const TPersistent* Source) {
+  if (Source == this) return;
+  if (auto* P = dynamic_cast<const TKXCustomChartPointInfo*>(Source)) {
+    FHeight = P->FHeight;
+    FWidth = P->FWidth;
+    FStyle = P->FStyle;
+    FDefaultStyle = P->FDefaultStyle;
+  }
+  inherited::Assign(Source);
+}
+
+void TKXCustomChartPointInfo::DefinePointProperties(TFiler& Filer) {
+  using T = TKXCustomChartPointInfo;
+  Filer.Property("Brush", this, &T::Brush);
+  Filer.Property("Pen", this, &T::Pen);
+  Filer.Property("DefaultStyle", this, &T::DefaultStyle, &T::SetDefaultStyle, shpRectangle);
+  Filer.Property("Style", this, &T::Style, &T::SetStyle, shpRectangle);
+  // Always stored: a size of 0 must read back as 0, not as the size a new element has.
+  // No size is negative, so -1 is never the value.
+  Filer.Property("Height", this, &T::Height, &T::SetHeight, -1);
+  Filer.Property("Width", this, &T::Width, &T::SetWidth, -1);
+}
+
+void TKXChartPointInfo::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  DefinePointProperties(Filer);
+}
+
+// --- TKXCustomDefaultShape ---
+
+void TKXCustomDefaultShape::Initialize() {
+  inherited::Initialize();
+  SetWidth(25);
+  SetHeight(25);
+  FFont = MakeOwned<TFont>();
+  FAlignment = tdMiddleCenter;
+}
+
+void TKXCustomDefaultShape::InitializeEvents() {
+  inherited::InitializeEvents();
+  FFont->SetOnChange(SenderChangedHandler());
+}
+
+void TKXCustomDefaultShape::BeforeDestruction() {
+  inherited::BeforeDestruction();
+  FFont.reset();
+}
+
+void TKXCustomDefaultShape::SetAlignment(T2DTextAlignment Value) {
+  if (Value == FAlignment) return;
+  FAlignment = Value;
+  Changed();
+}
+
+void TKXCustomDefaultShape::Assign(const TPersistent* Source) {
+  if (Source == this) return;
+  if (auto* S = dynamic_cast<const TKXCustomDefaultShape*>(Source)) {
+    FAlignment = S->FAlignment;
+    FFont->Assign(S->FFont.get());
+  }
+  inherited::Assign(Source);
+}
+
+void TKXDefaultShape::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  DefinePointProperties(Filer);
+  Filer.Property("Alignment", this, &TKXDefaultShape::Alignment, &TKXDefaultShape::SetAlignment,
+                 tdMiddleCenter);
+  Filer.Property("Font", this, &TKXDefaultShape::Font);
+}
+
+} // namespace kx
