@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXLineReduction.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
@@ -142,8 +143,10 @@ TPoint TKXCustomLineChart::GetValuePoint(const TKXChartValue* Value, const TRect
 }
 
 int32_t TKXCustomLineChart::AreaBaseline(const TRect& Rect) const {
-  // The vertical axis has no grid of its own yet; when it has, an origin it shows inside
-  // its zoomed range gives the baseline instead.
+  // An origin line the vertical axis shows inside its zoomed range is where areas stand;
+  // otherwise they reach down to the bottom of the plot.
+  const TKXAxisGrid* Grid = FVerticalAxis ? FVerticalAxis->Grid() : nullptr;
+  if (Grid && Grid->IsOriginVisible()) return FVerticalAxis->AxisToPixel(Grid->Origin(), Rect);
   return Rect.Bottom;
 }
 

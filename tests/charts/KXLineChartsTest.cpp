@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "KXChartsTestSupport.h"
+#include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/toolkit/KXStreaming.h"
 
 #include <nlohmann/json.hpp>
@@ -296,6 +297,31 @@ TEST_F(AreaAlone, AreasArePolygonsDownToTheBottomOfTheRectangle) {
   Draw();
   EXPECT_EQ(Chart->Log.Segments.size(), 3u);
   EXPECT_TRUE(Chart->Log.Segments[1].Fill && Chart->Log.Segments[2].Fill);
+}
+
+TEST_F(AreaAlone, AnOriginTheVerticalAxisShowsInsideItsRangeIsTheBaseline) {
+  AddValues({{1, 5}, {5, 7}});
+  TKXAxisGrid* Grid = Chart->VerticalAxis()->Grid();
+  struct TCase {
+    double Origin;
+    bool OriginOption;
+    int32_t Baseline;
+  } const Cases[] = {
+      {2.5, true, 75},   // strictly inside 0..10: the origin's pixel
+      {0.0, true, 100},  // on the range's end: not shown, the bottom of the plot
+      {10.0, true, 100}, // likewise at the top end
+      {2.5, false, 100}, // the origin line switched off
+  };
+  for (const TCase& K : Cases) {
+    Grid->SetOrigin(K.Origin);
+    Grid->SetDrawOptions(K.OriginOption ? TAxisDrawGridOptions{agoTicks, agoOrigin}
+                                        : TAxisDrawGridOptions{agoTicks});
+    Draw();
+    ASSERT_EQ(Chart->Log.Segments.size(), 2u);
+    EXPECT_EQ(Chart->Log.Segments[1].Points,
+              (Points{{10, K.Baseline}, {10, 50}, {50, 30}, {50, K.Baseline}}))
+        << "origin " << K.Origin << " option " << K.OriginOption;
+  }
 }
 
 TEST_F(AreaAlone, TheFillCoversTheRegionUnderTheLineAndNothingAbove) {
