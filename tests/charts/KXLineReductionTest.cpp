@@ -34,7 +34,7 @@ void PrintTo(const TReduceCase& C, std::ostream* Os) {
 // fewer times: no channel of any pixel by more than this, on no more than this share of the
 // painted pixels.
 constexpr int AntialiasChannelTolerance = 64;
-constexpr double AntialiasPixelShare = 0.02;
+constexpr double AntialiasPixelShare = 0.03;
 
 class ReducedDrawing : public testing::TestWithParam<TReduceCase> {
 protected:
