@@ -6,6 +6,7 @@
 
 #include <random>
 
+#include "bench/KXBenchSupport.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
@@ -14,13 +15,7 @@
 namespace {
 
 using namespace kx;
-
-class TBenchForm : public TComponent {
-  KX_CLASS(TBenchForm, TComponent)
-
-public:
-  using TComponent::TComponent;
-};
+using kx::bench::TBenchForm;
 
 constexpr int32_t Width = 1600, Height = 900;
 

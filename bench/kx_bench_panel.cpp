@@ -5,19 +5,14 @@
 
 #include <string>
 
+#include "bench/KXBenchSupport.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/KXBitmap.h"
 
 namespace {
 
 using namespace kx;
-
-class TBenchForm : public TComponent {
-  KX_CLASS(TBenchForm, TComponent)
-
-public:
-  using TComponent::TComponent;
-};
+using kx::bench::TBenchForm;
 
 struct TPanelBench {
   TOwned<TBenchForm> Form{New<TBenchForm>(nullptr)};

@@ -9,11 +9,13 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/KXBenchSupport.h"
 #include "kxcharts/core/KXChartPanel.h"
 
 namespace {
 
 using namespace kx;
+using kx::bench::TBenchForm;
 
 // X in dimension 0, Y in dimension 1, as the two-dimensional charts have them.
 class TXYBenchValues : public TKXChartValues {
@@ -37,13 +39,6 @@ protected:
   TOwned<TKXChartValues> CreateChartValues() override {
     return MakeOwned<TXYBenchValues>(this, ClassOf<TKXChartValue>());
   }
-};
-
-class TBenchForm : public TComponent {
-  KX_CLASS(TBenchForm, TComponent)
-
-public:
-  using TComponent::TComponent;
 };
 
 // Bytes the allocator hands out now, small blocks and mapped ones alike, with their

@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/KXBenchSupport.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
@@ -27,13 +28,7 @@
 namespace {
 
 using namespace kx;
-
-class TPeerForm : public TComponent {
-  KX_CLASS(TPeerForm, TComponent)
-
-public:
-  using TComponent::TComponent;
-};
+using kx::bench::TBenchForm;
 
 double NowMs() {
   using namespace std::chrono;
@@ -67,7 +62,7 @@ int main(int argc, char** argv) {
   const std::string Tool = Mode == "every-segment" ? "kx-every-segment" : "kx";
   const std::vector<double> Y = LoadY(argv[2], N);
 
-  TOwned<TPeerForm> Form(New<TPeerForm>(nullptr));
+  TOwned<TBenchForm> Form(New<TBenchForm>(nullptr));
   auto* Panel = New<TKXChartPanel>(Form.get());
   Panel->SetBounds(0, 0, 1600, 900);
   Panel->ChartShadow()->SetVisible(false);
