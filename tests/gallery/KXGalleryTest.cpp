@@ -1,7 +1,6 @@
 // The gallery as a reader opens it: CTest has run the gallery program into a fresh folder
 // (KX_GALLERY_DIR) before these tests; they read its index.html and every picture it names.
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <libxml/parser.h>
 
 #include "kxcharts/toolkit/KXBitmap.h"
 #include "tests/support/KXBitmapProbe.h"
@@ -73,105 +73,19 @@ std::string PngProblem(const std::string& Data, int32_t Width, int32_t Height) {
 
 // Empty when Text is well-formed XML whose root element is <svg>; else what is wrong. It
 // checks what a broken writer breaks: the prolog, nesting, quoting, and one root.
+// A real XML parser, so that a picture a browser would refuse is refused here too.
 std::string SvgProblem(const std::string& Text) {
-  std::vector<std::string> Open;
-  std::string Root;
-  size_t I = 0;
-  bool RootClosed = false;
-  const auto Skip = [&](const char* End) {
-    const size_t At = Text.find(End, I);
-    if (At == std::string::npos) return false;
-    I = At + std::char_traits<char>::length(End);
-    return true;
-  };
-  while (I < Text.size()) {
-    if (Text[I] != '<') {
-      if (Open.empty() && !std::isspace(static_cast<unsigned char>(Text[I])))
-        return "text outside the root";
-      ++I;
-      continue;
-    }
-    if (Text.compare(I, 4, "<!--") == 0) {
-      if (!Skip("-->")) return "an open comment";
-    } else if (Text.compare(I, 9, "<![CDATA[") == 0) {
-      if (Open.empty()) return "CDATA outside the root";
-      if (!Skip("]]>")) return "an open CDATA section";
-    } else if (Text.compare(I, 2, "<?") == 0) {
-      if (!Skip("?>")) return "an open processing instruction";
-    } else if (Text.compare(I, 2, "<!") == 0) {
-      if (!Root.empty()) return "a declaration inside the document";
-      if (!Skip(">")) return "an open declaration";
-    } else {
-      const bool Closing = Text[I + 1] == '/';
-      size_t J = I + (Closing ? 2 : 1);
-      const size_t NameStart = J;
-      while (J < Text.size() && !std::isspace(static_cast<unsigned char>(Text[J])) &&
-             Text[J] != '>' && Text[J] != '/')
-        ++J;
-      const std::string Name = Text.substr(NameStart, J - NameStart);
-      if (Name.empty()) return "a tag without a name";
-      // Attributes: name="value" or name='value', with the quotes matched.
-      bool Empty = false;
-      while (J < Text.size() && Text[J] != '>') {
-        const char Ch = Text[J];
-        if (Ch == '"' || Ch == '\'') {
-          const size_t Q = Text.find(Ch, J + 1);
-          if (Q == std::string::npos) return "an open quote in <" + Name + ">";
-          J = Q + 1;
-          continue;
-        }
-        if (Ch == '<') return "a '<' inside <" + Name + ">";
-        Empty = Ch == '/' && J + 1 < Text.size() && Text[J + 1] == '>';
-        ++J;
-      }
-      if (J >= Text.size()) return "an open tag <" + Name + ">";
-      I = J + 1;
-      if (Closing) {
-        if (Open.empty() || Open.back() != Name) return "</" + Name + "> closes nothing open";
-        Open.pop_back();
-        if (Open.empty()) RootClosed = true;
-        continue;
-      }
-      if (Open.empty()) {
-        if (!Root.empty()) return "a second root <" + Name + ">";
-        Root = Name;
-      }
-      if (!Empty)
-        Open.push_back(Name);
-      else if (Open.empty())
-        RootClosed = true;
-    }
+  xmlDocPtr Doc = xmlReadMemory(Text.data(), static_cast<int>(Text.size()), "picture.svg", nullptr,
+                                XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
+  if (!Doc) {
+    const xmlError* E = xmlGetLastError();
+    return E && E->message ? E->message : "not well-formed XML";
   }
-  if (Root != "svg") return "the root is <" + Root + ">, not <svg>";
-  if (!Open.empty() || !RootClosed) return "<" + Open.back() + "> is never closed";
-  return {};
-}
-
-// --- The checks themselves are checked on known good and bad input ---
-
-TEST(GalleryChecks, TellValidPngAndSvgFromBrokenOnes) {
-  const std::string Png = std::string("\x89PNG\r\n\x1a\n", 8) + std::string("\0\0\0\x0dIHDR", 8) +
-                          std::string("\0\0\0\x02\0\0\0\x03", 8) + std::string(13, '\0');
-  EXPECT_EQ(PngProblem(Png, 2, 3), "");
-  EXPECT_NE(PngProblem(Png, 3, 3), "");
-  EXPECT_NE(PngProblem("GIF89a" + Png, -1, -1), "");
-  EXPECT_NE(PngProblem(Png.substr(0, 20), -1, -1), "");
-
-  const struct {
-    const char* Text;
-    bool Good;
-  } Svgs[] = {
-      {"<?xml version=\"1.0\"?>\n<svg a=\"1\"><g><path d='M 0 0'/></g></svg>\n", true},
-      {"<svg><style><![CDATA[ a<b ]]></style><!-- <x> --></svg>", true},
-      {"<svg><g></svg>", false},
-      {"<svg><g a=\"1></g></svg>", false},
-      {"<html></html>", false},
-      {"<svg></svg><svg></svg>", false},
-      {"<svg>", false},
-      {"", false},
-  };
-  for (const auto& S : Svgs)
-    EXPECT_EQ(SvgProblem(S.Text).empty(), S.Good) << S.Text << ": " << SvgProblem(S.Text);
+  const xmlNode* Root = xmlDocGetRootElement(Doc);
+  std::string Problem;
+  if (!Root || xmlStrcmp(Root->name, BAD_CAST "svg") != 0) Problem = "the root is not <svg>";
+  xmlFreeDoc(Doc);
+  return Problem;
 }
 
 // --- The gallery ---
