@@ -12,23 +12,18 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/KXStreaming.h"
+#include "tests/axes/KXAxesTestSupport.h"
 #include "tests/core/KXCoreTestSupport.h"
 #include "tests/support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Inf = std::numeric_limits<double>::infinity();
+using test::Inf;
+using test::NaN;
 constexpr TColor GridBlue = clBlue, GridGreen = clGreen, TickRed = clRed;
 
-TOwned<TKXChartAxis> MakeAxis(TKXChartAxisLocation Location, double Min, double Max) {
-  TOwned<TKXChartAxis> A(New<TKXChartAxis>(nullptr));
-  A->SetLocation(Location);
-  A->SetMaximum(Max);
-  A->SetMinimum(Min);
-  return A;
-}
+using test::MakeAxis;
 
 bool IsWhite(TColor C) {
   return test::Near(C, clWhite, 8);

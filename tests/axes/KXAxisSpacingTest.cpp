@@ -13,13 +13,14 @@
 #include "kxcharts/toolkit/KXBitmap.h"
 #include "kxcharts/toolkit/KXDateUtils.h"
 #include "kxcharts/toolkit/KXFormat.h"
+#include "tests/axes/KXAxesTestSupport.h"
 #include "tests/core/KXCoreTestSupport.h"
 
 namespace kx {
 namespace {
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Inf = std::numeric_limits<double>::infinity();
+using test::Inf;
+using test::NaN;
 
 class TSpacingAxis : public TKXChartAxis {
 public:
@@ -40,11 +41,7 @@ public:
 };
 
 TOwned<TSpacingAxis> MakeAxis(TKXChartAxisLocation Location, double Min, double Max) {
-  TOwned<TSpacingAxis> A(New<TSpacingAxis>(nullptr));
-  A->SetLocation(Location);
-  A->SetMaximum(Max);
-  A->SetMinimum(Min);
-  return A;
+  return test::MakeAxis<TSpacingAxis>(Location, Min, Max);
 }
 
 // --- Ranges from the charts ---

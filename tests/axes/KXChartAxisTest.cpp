@@ -1,4 +1,5 @@
 #include "kxcharts/axes/KXChartAxis.h"
+#include "tests/axes/KXAxesTestSupport.h"
 
 #include <cmath>
 #include <limits>
@@ -19,8 +20,8 @@ namespace kx {
 
 namespace {
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Inf = std::numeric_limits<double>::infinity();
+using test::Inf;
+using test::NaN;
 
 // Opens the protected helpers of the axis to the tests.
 class TProbeAxis : public TKXChartAxis {
