@@ -1,7 +1,8 @@
 // What a full paint of a line chart costs: a TKXLineChart in a default 1600 x 900 panel
 // (its ChartShadow hidden, Options without value colours and labels), over N sorted values
-// of a random walk, painted whole into a bitmap. Compare with BM_PolylineCairoFloor
-// (kx_bench_canvas), which strokes a walk of as many points straight through Cairo.
+// of a random walk, the whole panel painted (frame, gradient, axes with their labels and
+// grid, the line). Compare with BM_PolylineCairoFloor (kx_bench_canvas), which strokes a
+// walk of as many points straight through Cairo.
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -23,7 +24,6 @@ struct TLineBench {
   TOwned<TBenchForm> Form{New<TBenchForm>(nullptr)};
   TKXChartPanel* Panel = New<TKXChartPanel>(Form.get());
   TKXLineChart* Chart = New<TKXLineChart>(Form.get());
-  TOwned<TBitmap> Bitmap = MakeOwned<TBitmap>();
   std::mt19937 Random{20240601};
   std::normal_distribution<double> Step{0.0, 1.0};
   double Y = 0;
@@ -37,7 +37,6 @@ struct TLineBench {
     Chart->Values()->BeginUpdate();
     Append(N);
     Chart->Values()->EndUpdate();
-    Bitmap->SetSize(Width, Height);
   }
 
   void Append(int64_t N) {
@@ -45,16 +44,9 @@ struct TLineBench {
       Chart->Values()->Add(static_cast<double>(NextX++), Y += Step(Random));
   }
 
-  // The panel does not paint its charts by itself yet: its background, the axes' ranges
-  // and the charts, as its paint will.
   void Paint() {
-    TCanvas* Canvas = Bitmap->Canvas();
-    Canvas->Brush()->SetColor(clWhite);
-    Canvas->FillRect({0, 0, Width, Height});
-    for (TKXChartAxis* A : {Panel->BottomAxis(), Panel->LeftAxis()})
-      A->UpdateAxisValues();
-    Panel->DrawCharts(Canvas, {0, 0, Width, Height});
-    cairo_surface_flush(Bitmap->Surface());
+    Panel->Repaint();
+    cairo_surface_flush(Panel->Bitmap()->Surface());
   }
 };
 
@@ -73,9 +65,12 @@ void BM_PaintLine(benchmark::State& State) {
   RunPaint(State, PlainOptions);
 }
 
-// The same chart zoomed to 0.1 % of its X range, about the middle.
-void BM_PaintLineZoomed(benchmark::State& State) {
-  TLineBench Bench(State.range(0), PlainOptions);
+// The same chart zoomed to 0.1 % of its X range, about the middle. Its pen does not grow
+// with the zoom here: coZoomPen would widen it by the zoom factor (to 2,000 px at 1000x), and
+// the time would be Cairo stroking a pen wider than the plot, whatever the values. The
+// WidePen form keeps coZoomPen to show that cost.
+void RunZoomed(benchmark::State& State, TChartOptions Options) {
+  TLineBench Bench(State.range(0), Options);
   Bench.Paint();
   TKXChartAxis* X = Bench.Chart->HorizontalAxis();
   const double Mid = State.range(0) / 2.0, Half = State.range(0) * 0.0005;
@@ -85,6 +80,14 @@ void BM_PaintLineZoomed(benchmark::State& State) {
   for (auto _ : State)
     Bench.Paint();
   State.SetItemsProcessed(State.iterations() * State.range(0) / 1000);
+}
+
+void BM_PaintLineZoomed(benchmark::State& State) {
+  RunZoomed(State, PlainOptions - coZoomPen);
+}
+
+void BM_PaintLineZoomedWidePen(benchmark::State& State) {
+  RunZoomed(State, PlainOptions);
 }
 
 // The default options: every value its own colour, so every segment its own stroke.
@@ -110,6 +113,7 @@ void BM_AppendLive(benchmark::State& State) {
 
 BENCHMARK(BM_PaintLine)->Arg(10000)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineZoomed)->Arg(10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PaintLineZoomedWidePen)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineValueColors)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_AppendLive)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 

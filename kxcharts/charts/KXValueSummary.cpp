@@ -49,8 +49,9 @@ void TKXValueSummary::ReadValue(const TKX2DChartValues* Values, int32_t Index) {
   const double X = V->GetValue(Values->XDim()), Y = V->GetValue(Values->YDim());
   const bool Plain = V->Visible() && !V->Selected() && V->Opacity() > 0.0f && V->Scale() == 1.0f &&
                      std::isfinite(X) && std::isfinite(Y);
-  const uint8_t Flags =
-      static_cast<uint8_t>((Plain ? 0 : NotPlain) | (std::isfinite(Y) ? 0 : NoFinite));
+  const uint8_t Flags = static_cast<uint8_t>((Plain ? 0 : NotPlain) |
+                                             (std::isfinite(Y) ? 0 : NoFinite) |
+                                             (std::isfinite(X) ? 0 : NoFiniteX));
   const size_t P = Phys(Index);
   if (P == FX.size()) {
     FX.push_back(X);
@@ -123,8 +124,8 @@ void TKXValueSummary::Rebuild(size_t From, size_t To) {
   for (size_t L = 0; L < Levels; ++L) {
     Size = (Size + Fanout - 1) / Fanout;
     TLevel& Lv = FLevels[L];
-    Lv.Lo.resize(Size);
-    Lv.Hi.resize(Size);
+    for (std::vector<double>* Field : {&Lv.Lo, &Lv.Hi, &Lv.XLo, &Lv.XHi})
+      Field->resize(Size);
     Lv.Flags.resize(Size);
     Lv.Color.resize(Size);
     if (From > To || From >= FX.size()) continue;
@@ -135,74 +136,86 @@ void TKXValueSummary::Rebuild(size_t From, size_t To) {
   }
 }
 
+namespace {
+// Widens [Lo, Hi] (empty while Missing is set in Flags) by [CLo, CHi].
+void Widen(double CLo, double CHi, uint8_t Missing, uint8_t& Flags, double& Lo, double& Hi) {
+  if (Flags & Missing) {
+    Lo = CLo;
+    Hi = CHi;
+    Flags &= static_cast<uint8_t>(~Missing);
+  } else {
+    Lo = std::min(Lo, CLo);
+    Hi = std::max(Hi, CHi);
+  }
+}
+} // namespace
+
 void TKXValueSummary::RebuildNode(size_t Level, size_t Node) {
   TLevel& Lv = FLevels[Level];
   const size_t First = Node * Fanout;
   const size_t Below = Level == 0 ? FX.size() : FLevels[Level - 1].Lo.size();
   const size_t Last = std::min(First + Fanout, Below);
-  double Lo = 0, Hi = 0;
-  uint8_t Flags = NoFinite;
+  double Lo = 0, Hi = 0, XLo = 0, XHi = 0;
+  uint8_t Flags = NoFinite | NoFiniteX;
   TColor Color = Level == 0 ? FColor[First] : FLevels[Level - 1].Color[First];
   for (size_t C = First; C < Last; ++C) {
-    double CLo, CHi;
+    double CLo, CHi, CXLo, CXHi;
     uint8_t CFlags;
     TColor CColor;
     if (Level == 0) {
       CLo = CHi = FY[C];
+      CXLo = CXHi = FX[C];
       CFlags = FFlags[C];
       CColor = FColor[C];
     } else {
       const TLevel& Down = FLevels[Level - 1];
       CLo = Down.Lo[C];
       CHi = Down.Hi[C];
+      CXLo = Down.XLo[C];
+      CXHi = Down.XHi[C];
       CFlags = Down.Flags[C];
       CColor = Down.Color[C];
     }
     Flags |= CFlags & (NotPlain | MixedColor);
     if (CColor != Color) Flags |= MixedColor;
-    if (CFlags & NoFinite) continue;
-    if (Flags & NoFinite) {
-      Lo = CLo;
-      Hi = CHi;
-      Flags &= static_cast<uint8_t>(~NoFinite);
-    } else {
-      Lo = std::min(Lo, CLo);
-      Hi = std::max(Hi, CHi);
-    }
+    if (!(CFlags & NoFinite)) Widen(CLo, CHi, NoFinite, Flags, Lo, Hi);
+    if (!(CFlags & NoFiniteX)) Widen(CXLo, CXHi, NoFiniteX, Flags, XLo, XHi);
   }
   Lv.Lo[Node] = Lo;
   Lv.Hi[Node] = Hi;
+  Lv.XLo[Node] = XLo;
+  Lv.XHi[Node] = XHi;
   Lv.Flags[Node] = Flags;
   Lv.Color[Node] = Color;
 }
 
 // --- Reading ---
 
-bool TKXValueSummary::MinMax(int32_t From, int32_t To, double& Lo, double& Hi) const {
-  bool Any = false;
-  const auto Take = [&](double L, double H) {
-    if (!Any) {
-      Lo = L;
-      Hi = H;
-      Any = true;
-    } else {
-      Lo = std::min(Lo, L);
-      Hi = std::max(Hi, H);
-    }
-  };
+bool TKXValueSummary::Extent(int32_t From, int32_t To, const std::vector<double>& Coord,
+                             std::vector<double> TLevel::*LoOf, std::vector<double> TLevel::*HiOf,
+                             uint8_t Missing, double& Lo, double& Hi) const {
+  uint8_t Flags = Missing;
   // A search whose tests never pass visits exactly the blocks that tile the range.
   FindFirst(
       From, To,
       [&](size_t L, size_t N) {
         const TLevel& Lv = FLevels[L];
-        if (!(Lv.Flags[N] & NoFinite)) Take(Lv.Lo[N], Lv.Hi[N]);
+        if (!(Lv.Flags[N] & Missing)) Widen((Lv.*LoOf)[N], (Lv.*HiOf)[N], Missing, Flags, Lo, Hi);
         return false;
       },
       [&](size_t P) {
-        if (!(FFlags[P] & NoFinite)) Take(FY[P], FY[P]);
+        if (!(FFlags[P] & Missing)) Widen(Coord[P], Coord[P], Missing, Flags, Lo, Hi);
         return false;
       });
-  return Any;
+  return !(Flags & Missing);
+}
+
+bool TKXValueSummary::MinMax(int32_t From, int32_t To, double& Lo, double& Hi) const {
+  return Extent(From, To, FY, &TLevel::Lo, &TLevel::Hi, NoFinite, Lo, Hi);
+}
+
+bool TKXValueSummary::XMinMax(int32_t From, int32_t To, double& Lo, double& Hi) const {
+  return Extent(From, To, FX, &TLevel::XLo, &TLevel::XHi, NoFiniteX, Lo, Hi);
 }
 
 int32_t TKXValueSummary::NextNotPlain(int32_t From, int32_t To) const {

@@ -3,8 +3,8 @@
 // It holds flat copies of each value's X and Y, whether the value draws plainly (visible,
 // not selected, opacity above 0, scale 1, both numbers finite) and its colour; above them
 // a tree of blocks of Fanout children that keeps, per block, the lowest and highest finite
-// Y, whether a value that is not plain lies inside, and the one colour all its values share
-// (if they do). Range questions then cost O(Fanout * log N) instead of O(N).
+// X and Y, whether a value that is not plain lies inside, and the one colour all its values
+// share (if they do). Range questions then cost O(Fanout * log N) instead of O(N).
 //
 // The summary follows its collection by index and is brought up to date lazily (Sync),
 // from what it was told since: values appended at the end are read once; a value removed at
@@ -48,6 +48,8 @@ public:
   TColor Color(int32_t Index) const { return FColor[Phys(Index)]; }
   // The lowest and highest finite Y of the values From..To; false when there is none.
   bool MinMax(int32_t From, int32_t To, double& Lo, double& Hi) const;
+  // The same for X.
+  bool XMinMax(int32_t From, int32_t To, double& Lo, double& Hi) const;
   // The first index in From..To whose value is not plain; To + 1 when all are.
   int32_t NextNotPlain(int32_t From, int32_t To) const;
   // The first index in From..To whose colour is not Color; To + 1 when none.
@@ -79,11 +81,12 @@ public:
 private:
   static constexpr uint8_t NotPlain = 1;
   static constexpr uint8_t MixedColor = 2;
-  static constexpr uint8_t NoFinite = 4;
+  static constexpr uint8_t NoFinite = 4;  // no finite Y
+  static constexpr uint8_t NoFiniteX = 8;
 
   // One level of blocks above the values.
   struct TLevel {
-    std::vector<double> Lo, Hi;
+    std::vector<double> Lo, Hi, XLo, XHi;
     std::vector<uint8_t> Flags;
     std::vector<TColor> Color;
   };
@@ -106,6 +109,11 @@ private:
   void Rebuild(size_t From, size_t To);
   void RebuildNode(size_t Level, size_t Node);
   void Compact();
+  // The extent of the finite Ys (or Xs) From..To: Coord holds the leaves, LoOf and HiOf the
+  // blocks' fields, Missing the flag of a leaf or block with none.
+  bool Extent(int32_t From, int32_t To, const std::vector<double>& Coord,
+              std::vector<double> TLevel::*LoOf, std::vector<double> TLevel::*HiOf,
+              uint8_t Missing, double& Lo, double& Hi) const;
   // The block test and the leaf test of a search: whether a match may lie inside.
   template <class NodeTest, class LeafTest>
   int32_t FindFirst(int32_t From, int32_t To, NodeTest Node, LeafTest Leaf) const;

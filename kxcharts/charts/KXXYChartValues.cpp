@@ -115,6 +115,14 @@ void TKX2DChartValues::ItemsMoved(int32_t From, int32_t To) {
   FSummary.InvalidateFrom(From);
 }
 
+bool TKX2DChartValues::GetIndexedExtent(int32_t Dimension, double& Lo, double& Hi) const {
+  if (Dimension != FXDim && Dimension != FYDim) return false;
+  const TKXValueSummary& S = Summary();
+  const int32_t Last = S.Count() - 1;
+  if (!(Dimension == FXDim ? S.XMinMax(0, Last, Lo, Hi) : S.MinMax(0, Last, Lo, Hi))) Lo = Hi = 0;
+  return true;
+}
+
 void TKX2DChartValues::DefineProperties(TFiler& Filer) {
   inherited::DefineProperties(Filer);
   Filer.Property("SortByDimension", this, &TKX2DChartValues::SortByDimension,

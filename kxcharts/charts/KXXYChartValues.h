@@ -121,6 +121,8 @@ public:
 protected:
   void Notify(TCollectionItem* Item, TCollectionNotification Action) override;
   void ItemsMoved(int32_t From, int32_t To) override;
+  // X and Y from the summary.
+  bool GetIndexedExtent(int32_t Dimension, double& Lo, double& Hi) const override;
   // SortByDimension, then the date dimensions (always stored).
   void DefineProperties(TFiler& Filer) override;
   // DateTimeAxes in the set type of the class.

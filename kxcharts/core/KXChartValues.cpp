@@ -314,10 +314,9 @@ TKXChartValue* TKXChartValues::Add(std::span<const double> Values, const std::st
   std::copy_n(Values.data(), N, Item->Data());
   Item->SetCaption(Caption);
   if (Color != TColor(-1)) Item->SetColor(Color);
-  if (FSorted)
-    ValueChanged(Item, GetSortByDimension());
-  else
-    FNeedMetaUpdate = true;
+  // Also unsorted: the numbers arrived after the item was announced, and whatever
+  // follows the values (the cache, an index) must hear of them.
+  ValueChanged(Item, GetSortByDimension());
   return Item;
 }
 
@@ -581,11 +580,15 @@ void TKXChartValues::EnsureMetaData() const {
 }
 
 double TKXChartValues::MaxValue(int32_t Dimension) const {
+  double Lo, Hi;
+  if (FNeedMetaUpdate && GetIndexedExtent(Dimension, Lo, Hi)) return Hi;
   EnsureMetaData();
   return static_cast<size_t>(Dimension) < FMaxValue.size() ? FMaxValue[Dimension] : 0.0;
 }
 
 double TKXChartValues::MinValue(int32_t Dimension) const {
+  double Lo, Hi;
+  if (FNeedMetaUpdate && GetIndexedExtent(Dimension, Lo, Hi)) return Lo;
   EnsureMetaData();
   return static_cast<size_t>(Dimension) < FMinValue.size() ? FMinValue[Dimension] : 0.0;
 }
@@ -628,6 +631,10 @@ void TKXChartValues::CalculateMetaData() {
       if (std::isfinite(V->GetValue(D))) SetMetaData({mdSum, mdAbsSum}, V, D);
     }
   }
+}
+
+bool TKXChartValues::GetIndexedExtent(int32_t, double&, double&) const {
+  return false;
 }
 
 double TKXChartValues::GetValueDimMaximum(const TKXChartValue* Value, int32_t Dimension) const {

@@ -412,6 +412,12 @@ protected:
   // Takes Value into the cached metadata of Dimension: mdMinimum and mdMaximum store the
   // extent, mdSum adds the number, mdAbsSum its magnitude.
   virtual void SetMetaData(TValueMetaData Data, const TKXChartValue* Value, int32_t Dimension);
+  // The lowest and highest finite number of Dimension (both 0 when there is none) from an
+  // index the collection keeps up to date as values change, so that asking for an extent
+  // after each append or sliding-window step costs no pass over all values. False when the
+  // collection keeps no such index for Dimension: the cached pass answers then. A
+  // descendant whose extents are not its plain numbers answers false.
+  virtual bool GetIndexedExtent(int32_t Dimension, double& Lo, double& Hi) const;
   // Grows by Add, shrinks by deleting the newest values, in one bracket.
   void SetCount(int32_t Value);
   // The class's quicksort over L..R.

@@ -200,16 +200,31 @@ protected:
       ASSERT_TRUE(Same(S.X(I), V->Items(I)->X())) << I;
       ASSERT_EQ(S.Plain(I), Plain(V->Items(I))) << I;
     }
+    // The collection's extents come from the summary: the finite numbers only, 0 for none.
+    for (const int32_t Dim : {V->XDim(), V->YDim()}) {
+      double ELo = INFINITY, EHi = -INFINITY;
+      for (int32_t I = 0; I < V->Count(); ++I)
+        if (const double N = V->Items(I)->GetValue(Dim); std::isfinite(N)) {
+          ELo = std::min(ELo, N);
+          EHi = std::max(EHi, N);
+        }
+      EXPECT_EQ(V->MinValue(Dim), ELo <= EHi ? ELo : 0.0) << "dimension " << Dim;
+      EXPECT_EQ(V->MaxValue(Dim), ELo <= EHi ? EHi : 0.0) << "dimension " << Dim;
+    }
     std::mt19937 Random(11);
     for (int K = 0; K < 60 && V->Count() > 0; ++K) {
       std::uniform_int_distribution<int32_t> Pick(0, V->Count() - 1);
       int32_t A = Pick(Random), B = Pick(Random);
       if (A > B) std::swap(A, B);
-      double Lo = 0, Hi = 0, ELo = INFINITY, EHi = -INFINITY;
+      double Lo = 0, Hi = 0, ELo = INFINITY, EHi = -INFINITY, EXLo = INFINITY, EXHi = -INFINITY;
       int32_t NotPlain = B + 1, OtherColor = B + 1, Above = -1, LastAbove = -1;
       const double Cut = V->Items(A)->Y();
       for (int32_t I = A; I <= B; ++I) {
         const TKX2DChartValue* Value = V->Items(I);
+        if (std::isfinite(Value->X())) {
+          EXLo = std::min(EXLo, Value->X());
+          EXHi = std::max(EXHi, Value->X());
+        }
         if (std::isfinite(Value->Y())) {
           ELo = std::min(ELo, Value->Y());
           EHi = std::max(EHi, Value->Y());
@@ -226,6 +241,11 @@ protected:
       if (Any) {
         EXPECT_EQ(Lo, ELo) << A << ".." << B;
         EXPECT_EQ(Hi, EHi) << A << ".." << B;
+      }
+      ASSERT_EQ(S.XMinMax(A, B, Lo, Hi), EXLo <= EXHi) << A << ".." << B;
+      if (EXLo <= EXHi) {
+        EXPECT_EQ(Lo, EXLo) << A << ".." << B;
+        EXPECT_EQ(Hi, EXHi) << A << ".." << B;
       }
       EXPECT_EQ(S.NextNotPlain(A, B), NotPlain) << A << ".." << B;
       EXPECT_EQ(S.NextOtherColor(A, B, V->Items(A)->Color()), OtherColor) << A << ".." << B;
@@ -265,6 +285,7 @@ TEST_F(ValueSummary, FollowsEveryKindOfChange) {
        }},
       {"a value assigned", [&] { V->Items(10)->Assign(V->Items(2500)); }},
       {"a NaN", [&] { V->Items(3333)->SetY(std::nan("")); }},
+      {"an infinite X", [&] { V->Items(2222)->SetX(INFINITY); }},
       {"an X that moves its value", [&] { V->Items(200)->SetX(2999.5); }},
       {"a delete in the middle", [&] { V->Items(1800)->Free(); }},
       {"a delete at the front", [&] { V->Items(0)->Free(); }},
@@ -300,6 +321,37 @@ TEST_F(ValueSummary, ReadsEverythingAgainAfterASort) {
   ExpectMatchesValues("unsorted");
   V->Sort();
   ExpectMatchesValues("sorted");
+}
+
+// --- The span in view of a zoomed, sorted chart ---
+
+// The values in view are found by halving on a series sorted on X; they must be those the
+// walk from the first value finds: one before the first X at or above the zoom's minimum,
+// through the first X above its maximum. Repeated Xs put the edges inside runs of equals.
+TEST_F(ValueSummary, AZoomedSortedSeriesShowsTheSpanTheWalkFinds) {
+  TKX2DChartValues* V = Chart->Values();
+  for (int32_t I = 0; I < 300; ++I)
+    V->Add(I / 3, I % 7);
+  TKXChartAxis* Axis = Chart->HorizontalAxis();
+  Axis->SetMaximum(100);
+  const std::pair<double, double> Zooms[] = {
+      {0, 99}, {2.5, 6.5}, {3, 3}, {3, 4}, {0, 0.5}, {98.5, 99}, {99, 100}, {40, 60.25},
+  };
+  for (const auto& [Lo, Hi] : Zooms) {
+    Axis->SetZoomMinimum(Lo);
+    Axis->SetZoomMaximum(Hi);
+    Chart->UpdateAxisInfo(Axis);
+    const double ZLo = Axis->ZoomMinimum(), ZHi = Axis->ZoomMaximum();
+    int32_t First = -1, Last = -1;
+    for (int32_t I = 0; I < V->Count() && Last == -1; ++I) {
+      if (First == -1 && V->Items(I)->X() >= ZLo) First = std::max(0, I - 1);
+      if (V->Items(I)->X() > ZHi) Last = I;
+    }
+    SCOPED_TRACE(testing::Message() << "zoom " << ZLo << ".." << ZHi);
+    ASSERT_TRUE(Axis->Zooming());
+    EXPECT_EQ(Chart->FirstIndex(), First == -1 ? 0 : First);
+    EXPECT_EQ(Chart->LastIndex(), Last == -1 ? V->Count() - 1 : Last);
+  }
 }
 
 } // namespace
