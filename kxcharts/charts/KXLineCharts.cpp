@@ -271,8 +271,11 @@ void TKXCustomLineChart::DrawLine(TCanvas* Canvas, const TKX2DChartValue* Value,
 
 bool TKXCustomLineChart::CanReduce(const TCanvas* Canvas, bool Shadow) const {
   const TKX2DChartValues* V = Values();
+  // A dash pattern runs along the path's length, which the reduction shortens.
+  const TPenStyle Style = Canvas->Pen()->Style();
   return FReducedDrawing && !FCloseLine && (Shadow || !FOptions.Contains(coValueLabels)) &&
-         Canvas->Pen()->Mode() == pmCopy && V->Sorted() && V->SortByDimension() == V->XDim() &&
+         Canvas->Pen()->Mode() == pmCopy &&
+         (Style == psSolid || Style == psClear || Style == psInsideFrame) && V->Sorted() && V->SortByDimension() == V->XDim() &&
          FLastIndex - FFirstIndex >= MinReducedRun;
 }
 
