@@ -290,17 +290,12 @@ TEST_F(CanvasFixture, OpacityLayersBlendAndNest) {
   EXPECT_EQ(C->LayerDepth(), 0);
 }
 
-// --- Pixels and bad coordinates ---
+// --- Bad coordinates ---
 
-TEST_F(CanvasFixture, PixelsReadBackAndOutsideIsNone) {
-  C->SetPixel(3, 4, clFuchsia);
-  EXPECT_EQ(C->Pixel(3, 4), clFuchsia);
+TEST_F(CanvasFixture, HugeCoordinatesAreClampedAndDrawSafely) {
   EXPECT_EQ(C->Pixel(-1, 0), clNone);
   EXPECT_EQ(C->Pixel(60, 0), clNone);
   C->SetPixel(-5, 100, clRed); // ignored
-}
-
-TEST_F(CanvasFixture, HugeCoordinatesAreClampedAndDrawSafely) {
   C->Brush()->SetColor(clRed);
   C->FillRect({INT_MIN, INT_MIN, INT_MAX, INT_MAX});
   EXPECT_EQ(CountPainted(Bmp.get()), 60 * 40) << "the whole bitmap is red";
@@ -351,23 +346,6 @@ TEST_F(CanvasFixture, TextPaintsInsideItsMeasuredBoxAndMovesThePen) {
   B->Canvas()->Brush()->SetColor(clYellow);
   B->Canvas()->TextOut(4, 4, "Hello");
   EXPECT_EQ(PaintedBounds(B.get()), (TRect{4, 4, 4 + S.cx, 4 + S.cy})) << "opaque: the whole box";
-}
-
-TEST_F(CanvasFixture, TextTurnedBy90DegreesRisesFromItsOrigin) {
-  C->Brush()->SetStyle(bsClear);
-  C->Font()->SetSize(10);
-  const TSize S = C->TextExtent("Label");
-  TOwned<TBitmap> B = MakeBitmap(60, 80);
-  B->Canvas()->Brush()->SetStyle(bsClear);
-  B->Canvas()->Font()->Assign(C->Font());
-  B->Canvas()->Font()->SetOrientation(90);
-  B->Canvas()->TextOut(20, 70, "Label");
-  const TRect Ink = PaintedBounds(B.get());
-  EXPECT_GE(Ink.Left, 20);
-  EXPECT_LE(Ink.Right, 20 + S.cy);
-  EXPECT_GE(Ink.Top, 70 - S.cx);
-  EXPECT_LE(Ink.Bottom, 70);
-  EXPECT_GT(Ink.Height(), Ink.Width()) << "the text runs upward";
 }
 
 TEST_F(CanvasFixture, TextRectClipsToItsRectangle) {

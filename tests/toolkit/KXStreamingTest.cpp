@@ -516,8 +516,6 @@ TEST_F(Streaming, BadInputRaisesAClearErrorAndLeavesTheFormAsItWas) {
        "Error reading Form1.Bar1: TStFont is not a component class"},
       {Replace("\"Name\": \"Bar1\"", "\"Name\": \"Chart1\""),
        "Error reading Form1.Chart1: A component named Chart1 already exists"},
-      {Replace("\"Name\": \"Bar1\"", "\"Name\": \"3D\""),
-       "Error reading Form1.3D: '3D' is not a valid component name"},
       {Replace("\"ValueIndex\": 0", "\"ValueIndex\": \"first\""),
        "Error reading Form1.Chart1.Values[1].ValueIndex: expected an integer, found a string"},
       {Replace("\"Limit\": 100", "\"Limit\": 1001"),
