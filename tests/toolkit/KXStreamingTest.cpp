@@ -347,9 +347,9 @@ TEST_F(Streaming, WritesNonDefaultsByNameAndLeavesDefaultsOut) {
   TOwned<TStForm> Form = BuildForm();
   const std::string Json = SaveFormToString(Form.get());
   // The bad-input table below finds the other written properties it edits.
-  const char* Present[] = {"\"Class\": \"TStPanel\"", "\"Font\": {\n",        "\"Ratio\": 0.1",
-                           "\"Options\": [\n",       "\"Dimensions\": [\n", "\"Visible\": false",
-                           "\"Tag\": 7"};
+  const char* Present[] = {
+      "\"Class\": \"TStPanel\"", "\"Font\": {\n",      "\"Ratio\": 0.1", "\"Options\": [\n",
+      "\"Dimensions\": [\n",     "\"Visible\": false", "\"Tag\": 7"};
   for (const char* P : Present)
     EXPECT_NE(Json.find(P), std::string::npos) << P << "\n" << Json;
   // Font name and colour at their defaults, Kind of Bar1, the bar chart's own default
