@@ -27,15 +27,11 @@ struct Sheet : ::testing::Test {
 
 // --- Lines and pens ---
 
-TEST_F(Sheet, CanvasHelperLinesStopBeforeTheirEndAndReportTheDrawnWidth) {
-  TVclCanvasHelper::DrawLine(C, {10, 10}, {50, 10});
-  EXPECT_TRUE(Painted(10, 10));
-  EXPECT_FALSE(Painted(50, 10));
+TEST_F(Sheet, AHairlinePenCountsAsOnePixelWide) {
   TVclCanvasHelper::SetPenWidth(C, 0);
-  EXPECT_EQ(C->Pen()->Width(), 0);
-  EXPECT_EQ(TVclCanvasHelper::GetPenWidth(C), 1) << "a hairline pen paints one pixel";
-  TVclCanvasHelper::SetPenWidth(C, -4);
   EXPECT_EQ(TVclCanvasHelper::GetPenWidth(C), 1);
+  TVclCanvasHelper::SetPenWidth(C, 4);
+  EXPECT_EQ(TVclCanvasHelper::GetPenWidth(C), 4);
 }
 
 // --- Shapes ---
