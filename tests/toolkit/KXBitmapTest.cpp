@@ -32,12 +32,14 @@ template <class F> std::string ErrorOf(F&& Fn) {
   return "";
 }
 
-TEST(Bitmap, SetSizeKeepsSharedPixelsWhitensNewOnesAndClamps) {
+TEST(Bitmap, SetSizeKeepsTheCanvasAndSharedPixelsWhitensNewOnesAndClamps) {
   TOwned<TBitmap> B = MakeBitmap(10, 10, clRed);
+  TCanvas* Canvas = B->Canvas();
   int Changes = 0;
   B->SetOnChange([&](TObject*) { ++Changes; });
   B->SetSize(20, 5);
   EXPECT_EQ(Changes, 1);
+  EXPECT_EQ(B->Canvas(), Canvas) << "one canvas for the bitmap's life";
   EXPECT_EQ(B->Canvas()->Pixel(9, 4), clRed);
   EXPECT_EQ(B->Canvas()->Pixel(10, 4), clWhite);
   B->SetSize(20, 5);

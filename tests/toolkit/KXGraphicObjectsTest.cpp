@@ -10,19 +10,6 @@
 namespace kx {
 namespace {
 
-TEST(GraphicObjects, EnumerationsKeepThePlatformNumbers) {
-  EXPECT_EQ(psClear, 5);
-  EXPECT_EQ(psInsideFrame, 6);
-  EXPECT_EQ(pmCopy, 4);
-  EXPECT_EQ(pmXor, 14);
-  EXPECT_EQ(pmNotXor, 15);
-  EXPECT_EQ(bsClear, 1);
-  EXPECT_EQ(bsDiagCross, 7);
-  EXPECT_EQ(fsStrikeOut, 3);
-  EXPECT_EQ(GetEnumName(pmXor), "pmXor");
-  EXPECT_EQ(GetEnumValue<TBrushStyle>("bsFDiagonal"), bsFDiagonal);
-}
-
 TEST(GraphicObjects, SystemColoursResolveThroughOneTable) {
   EXPECT_EQ(ColorToRGB(clBtnFace), RGBToColor(0xF0, 0xF0, 0xF0));
   EXPECT_EQ(ColorToRGB(clWindow), clWhite);
@@ -102,13 +89,6 @@ INSTANTIATE_TEST_SUITE_P(Sizes, FontSizeAndHeight,
                          ::testing::Values(SizeHeight{8, -11}, SizeHeight{9, -12},
                                            SizeHeight{10, -13}, SizeHeight{12, -16},
                                            SizeHeight{24, -32}, SizeHeight{-15, 20}));
-
-TEST(GraphicObjects, AFontStartsAsDejaVuSansOfEightPoints) {
-  TOwned<TFont> F = MakeOwned<TFont>();
-  EXPECT_EQ(F->Name(), "DejaVu Sans");
-  EXPECT_EQ(F->Size(), 8);
-  EXPECT_EQ(F->Color(), clWindowText);
-}
 
 TEST(GraphicObjects, AssignCopiesRaisesOnceAndRejectsStrangers) {
   TOwned<TFont> A = MakeOwned<TFont>(), B = MakeOwned<TFont>();

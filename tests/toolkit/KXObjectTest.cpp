@@ -43,13 +43,6 @@ public:
   void AfterConstruction() override { throw Exception("no"); }
 };
 
-TEST(Object, TwoPhaseLifeDispatchesToTheMostDerivedClass) {
-  Journal.clear();
-  TBase* D = New<TDerived>();
-  D->Free();
-  EXPECT_EQ(Journal, (std::vector<std::string>{"after:derived", "before:derived"}));
-}
-
 TEST(Object, AfterConstructionThatThrowsTearsDownAndPassesOn) {
   Journal.clear();
   EXPECT_THROW(New<TThrowsOnStart>(), Exception);

@@ -120,16 +120,6 @@ TEST(PathData, BadTextRaisesAnErrorNamingThePositionAndChangesNothing) {
   }
 }
 
-TEST(PathData, AMillionCommandsReadInOnePass) {
-  std::string Text = "M0,0";
-  Text.reserve(6 * 1000000 + 8);
-  for (int I = 0; I < 1000000; ++I)
-    Text += (I % 2) ? " L0,0" : " L1,1";
-  const auto P = Path(Text);
-  EXPECT_EQ(P->CommandCount(), 1000001u);
-  EXPECT_EQ(P->GetBounds(), (TRectF{0, 0, 1, 1}));
-}
-
 TEST(PathData, HugeNumbersSurviveTransformsAndTheStoredForm) {
   const auto P = Path("M0,0 L1e308,1e308 L-1e308,5");
   P->Scale(10, 10); // overflows to infinity
@@ -283,19 +273,6 @@ TEST(PathData, ArcOfNoSizeAddsNothingAndBadNumbersAreRefused) {
   EXPECT_EQ(Changes, 0);
   EXPECT_THROW(P->Arc(0, NaN, 0, 10, 0), EInvalidOp);
   EXPECT_THROW(P->Arc(0, 90, 0, INFINITY, 0), EInvalidOp);
-}
-
-TEST(PathData, ASliceMappedLikeAPieChartLiesWhereTheScreenAngleSays) {
-  // Screen angles rise anticlockwise; negated they become path angles. 0 to 90 degrees on
-  // the screen is the upper right quarter of the rectangle.
-  const TRect R{0, 0, 200, 200};
-  auto P = MakeOwned<TKXPathData>();
-  P->Arc(0 - 0.0, 0 - 90.0, 0 * 100, 1.0 * 100, -0);
-  TKXMatrix M = CreateTranslateKXMatrix(100, 100);
-  M = KXMatrixMultiply(M, CreateScaleKXMatrix(R.Width() / 200.0, R.Height() / 200.0));
-  M = KXMatrixMultiply(M, CreateTranslateKXMatrix(R.Left, R.Top));
-  P->ApplyMatrix(M);
-  ExpectHits(*P, {{150, 50, true}, {150, 150, false}, {50, 50, false}});
 }
 
 // --- Transforms ---

@@ -27,15 +27,11 @@ struct Sheet : ::testing::Test {
 
 // --- Lines and pens ---
 
-TEST_F(Sheet, CanvasHelperLinesStopBeforeTheirEndAndReportTheDrawnWidth) {
-  TVclCanvasHelper::DrawLine(C, {10, 10}, {50, 10});
-  EXPECT_TRUE(Painted(10, 10));
-  EXPECT_FALSE(Painted(50, 10));
+TEST_F(Sheet, AHairlinePenCountsAsOnePixelWide) {
   TVclCanvasHelper::SetPenWidth(C, 0);
-  EXPECT_EQ(C->Pen()->Width(), 0);
-  EXPECT_EQ(TVclCanvasHelper::GetPenWidth(C), 1) << "a hairline pen paints one pixel";
-  TVclCanvasHelper::SetPenWidth(C, -4);
   EXPECT_EQ(TVclCanvasHelper::GetPenWidth(C), 1);
+  TVclCanvasHelper::SetPenWidth(C, 4);
+  EXPECT_EQ(TVclCanvasHelper::GetPenWidth(C), 4);
 }
 
 // --- Shapes ---
@@ -95,7 +91,7 @@ TEST_F(Sheet, RectangleAndRoundedStylesAreTheCanvasShapes) {
   EXPECT_EQ(PixelBytes(A.get()), PixelBytes(B.get())) << "the legend's rounded box";
 }
 
-TEST_F(Sheet, ShapesTakeTurnedRectanglesAndDrawNothingWithoutArea) {
+TEST_F(Sheet, ShapesTakeTurnedRectanglesAndDrawNothingWithoutAreaOrOpacity) {
   TOwned<TBitmap> Ordered = MakeBitmap(120, 100);
   DrawShape(Ordered->Canvas(), {10, 10, 60, 50}, nullptr, shpStar, true, clWhite, clGray, 3);
   DrawShape(C, {60, 50, 10, 10}, nullptr, shpStar, true, clWhite, clGray, 3);
@@ -107,7 +103,11 @@ TEST_F(Sheet, ShapesTakeTurnedRectanglesAndDrawNothingWithoutArea) {
   DrawShape(Empty->Canvas(), {0, 0, 40, 40}, nullptr, shpHexagon, true, clWhite, clGray, 3, 0);
   DrawShape(Empty->Canvas(), {0, 0, 40, 40}, nullptr, shpHexagon, true, clWhite, clGray, 3,
             std::nanf(""));
-  EXPECT_EQ(CountPainted(Empty.get()), 0);
+  EXPECT_EQ(CountPainted(Empty.get()), 0) << "no opacity, nothing drawn";
+  Empty->Canvas()->Brush()->SetColor(clBlack);
+  Empty->Canvas()->Pen()->SetStyle(psClear);
+  DrawShape(Empty->Canvas(), {0, 0, 40, 40}, nullptr, shpEllipse, true, clWhite, clGray, 3, 0.5f);
+  EXPECT_TRUE(test::Near(Empty->Canvas()->Pixel(20, 20), RGBToColor(128, 128, 128)));
 }
 
 TEST_F(Sheet, LitShapesAreBrightTowardTheLightUnlessSunken) {
@@ -134,13 +134,6 @@ TEST_F(Sheet, TheImageStyleFitsTheBitmapAndFallsBackToTheRectangle) {
   TOwned<TBitmap> B = MakeBitmap(60, 60);
   DrawShape(B->Canvas(), {5, 5, 55, 55}, nullptr, shpImage, true, clWhite, clGray, 3, 1.0f);
   EXPECT_EQ(B->Canvas()->Pixel(5, 30), clBlack) << "no bitmap: the rectangle";
-}
-
-TEST_F(Sheet, ShapeOpacityBlends) {
-  C->Brush()->SetColor(clBlack);
-  C->Pen()->SetStyle(psClear);
-  DrawShape(C, {0, 0, 40, 40}, nullptr, shpEllipse, true, clWhite, clGray, 3, 0.5f);
-  EXPECT_TRUE(test::Near(C->Pixel(20, 20), RGBToColor(128, 128, 128)));
 }
 
 // --- Text ---
@@ -272,8 +265,7 @@ TEST_P(RotatedExtent, BoxHoldsTheTurnedTextFromItsOffset) {
 INSTANTIATE_TEST_SUITE_P(Angles, RotatedExtent,
                          ::testing::Values(TurnCase{0, false}, TurnCase{90, true},
                                            TurnCase{180, false}, TurnCase{270, true},
-                                           TurnCase{-90, true}, TurnCase{45, false},
-                                           TurnCase{330, false}));
+                                           TurnCase{45, false}, TurnCase{330, false}));
 
 TEST(VclGraphics, RotatedOffsetsPutTheOriginOnTheRightCorner) {
   TOwned<TBitmap> B = MakeBitmap(10, 10);
