@@ -66,16 +66,6 @@ TEST_F(ChartInPanel, RemovingAChartFromTheListSendsItBackToItsLocalAxes) {
   EXPECT_EQ(Panel->Charts()->NumVisible(), 0);
 }
 
-TEST_F(ChartInPanel, MovingToAnotherPanelLeavesTheFirstOne) {
-  TTestChart* C = AddChart("Chart1");
-  auto* Other = New<TKXChartPanel>(Form.get());
-  C->SetPanel(Other);
-  EXPECT_EQ(Panel->Charts()->Count(), 0);
-  EXPECT_EQ(Panel->LeftAxis()->Charts()->Count(), 0);
-  EXPECT_EQ(Other->Charts()->IndexOf(C), 0);
-  EXPECT_EQ(C->VerticalAxis(), Other->LeftAxis());
-}
-
 TEST_F(ChartInPanel, FreeingAChartLeavesNoTraceInPanelOrAxes) {
   TTestChart* A = AddChart("A", {1});
   TTestChart* B = AddChart("B", {2});

@@ -221,33 +221,6 @@ TEST(ChartLegend, RectStyleGivesTheShadowTheBoxsShape) {
   EXPECT_EQ(L->Shadow()->Style(), shpRectangle);
 }
 
-TEST(ChartLegend, AssignCopiesLinesLimitsAndShapeAndClonesAlike) {
-  auto A = MakeOwned<TKXChartLegend>();
-  SetFixedLines(A.get(), {"x", "y"});
-  A->SetAlign(laTop);
-  A->SetRectStyle(lrsRoundRect);
-  A->SetMaxRows(3);
-  A->SetOverlay(true);
-  A->SetMaxWidthPct(40);
-  A->Margins()->SetRect({1, 2, 3, 4});
-  A->SetOptions({loLargeGlyphs});
-  A->SetTextVerticalAlign(taAlignBottom);
-  TOwned<TKXChartGraphic> C = A->Clone();
-  auto* B = static_cast<TKXChartLegend*>(C.get());
-  EXPECT_EQ(TextsOf(B->Lines()), (std::vector<std::string>{"x", "y"}));
-  EXPECT_TRUE(B->Fixed());
-  EXPECT_EQ(B->Align(), laTop);
-  EXPECT_EQ(B->RectStyle(), lrsRoundRect);
-  EXPECT_EQ(B->Shadow()->Style(), shpRoundRect);
-  EXPECT_EQ(B->MaxRows(), 3);
-  EXPECT_TRUE(B->Overlay());
-  EXPECT_EQ(B->MaxWidthPct(), 40);
-  EXPECT_EQ(B->Margins()->Rect(), (TRect{1, 2, 3, 4}));
-  EXPECT_EQ(B->Options(), TKXLegendOptions{loLargeGlyphs});
-  EXPECT_EQ(B->TextVerticalAlign(), taAlignBottom);
-  EXPECT_EQ(B->Alignment(), taLeftJustify);
-}
-
 TEST_F(LegendInPanel, TheLegendStartsWithThePanelsFont) {
   Panel->Font()->SetSize(11);
   auto L = MakeOwned<TKXChartLegend>(Panel);
@@ -546,6 +519,7 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
   Legend->SetMaxWidthPct(60);
   Legend->SetTextVerticalAlign(taAlignTop);
   Legend->SetOverlay(true);
+  Legend->SetMaxRows(3);
   Legend->Shadow()->SetSize(5);
   const std::string Json = SaveFormToString(Form.get());
   EXPECT_LT(Json.find("\"Fixed\""), Json.find("\"Lines\"")) << "Fixed is read first";
@@ -569,6 +543,20 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
   EXPECT_EQ(L->Shadow()->Size(), 5);
   EXPECT_EQ(L->Alignment(), taLeftJustify);
   EXPECT_EQ(SaveFormToString(Copy.get()), Json);
+
+  // Assign copies every stored setting, the fixed lines among them, and the box's shape
+  // reaches the shadow.
+  TOwned<TTestForm> Third(New<TTestForm>(nullptr));
+  Third->SetName("Form1");
+  auto* P3 = New<TKXChartPanel>(Third.get());
+  P3->SetName("Panel1");
+  ColorListIndex = 0; // the same colour as chart A
+  auto* C3 = New<TTestChart>(Third.get());
+  C3->SetCaption("A");
+  C3->SetPanel(P3);
+  P3->Legend()->Assign(Legend);
+  EXPECT_EQ(P3->Legend()->Shadow()->Style(), shpRoundRect);
+  EXPECT_EQ(SaveFormToString(Third.get()), Json);
 }
 
 TEST_F(LegendInPanel, LinesThatAreNotTextsAreRefusedByName) {
