@@ -195,38 +195,35 @@ TEST(AxisPainting, AnInwardAxisMovesIntoTheRectangle) {
 
 // --- The grid ---
 
-struct TTicks {
-  bool Visible;
-  TAxisDrawGridOptions Options;
-  int32_t Tick, Inner, Minor, MinorCount;
-  bool Major, MinorDue;
-};
-
-class GridTicks : public testing::TestWithParam<TTicks> {};
-
-TEST_P(GridTicks, AreDueOnlyWithTicksOfSomeLength) {
-  const TTicks& C = GetParam();
-  auto A = MakeAxis(calBottom, 0, 10);
-  TKXAxisGrid* G = A->Grid();
-  G->SetVisible(C.Visible);
-  G->SetDrawOptions(C.Options);
-  G->SetTickLength(C.Tick);
-  G->SetInnerLength(C.Inner);
-  G->SetMinorTickLength(C.Minor);
-  G->SetMinorTickCount(C.MinorCount);
-  EXPECT_EQ(G->ShouldDrawMajorTicks(), C.Major);
-  EXPECT_EQ(G->ShouldDrawMinorTicks(), C.MinorDue);
-  EXPECT_EQ(A->Options().Contains(aoShowGrid), C.Visible);
+TEST(AxisGrid, TicksAreDueOnlyWithTicksOfSomeLength) {
+  const TAxisDrawGridOptions All{agoMajorGrid, agoMinorGrid, agoTicks, agoOrigin};
+  const struct {
+    bool Visible;
+    TAxisDrawGridOptions Options;
+    int32_t Tick, Inner, Minor, MinorCount;
+    bool Major, MinorDue;
+  } Cases[] = {{true, All, 4, 0, 2, 3, true, true},
+               {false, All, 4, 0, 2, 3, false, false},
+               {true, {agoMajorGrid}, 4, 0, 2, 3, false, false},
+               {true, All, 0, 0, 2, 3, false, true},
+               {true, All, -5, 2, 2, 0, true, false},
+               {true, All, 4, 0, -1, 3, true, false}};
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(std::to_string(C.Tick) + " " + std::to_string(C.Inner) + " " +
+                 std::to_string(C.Minor) + " " + std::to_string(C.MinorCount));
+    auto A = MakeAxis(calBottom, 0, 10);
+    TKXAxisGrid* G = A->Grid();
+    G->SetVisible(C.Visible);
+    G->SetDrawOptions(C.Options);
+    G->SetTickLength(C.Tick);
+    G->SetInnerLength(C.Inner);
+    G->SetMinorTickLength(C.Minor);
+    G->SetMinorTickCount(C.MinorCount);
+    EXPECT_EQ(G->ShouldDrawMajorTicks(), C.Major);
+    EXPECT_EQ(G->ShouldDrawMinorTicks(), C.MinorDue);
+    EXPECT_EQ(A->Options().Contains(aoShowGrid), C.Visible);
+  }
 }
-
-const TAxisDrawGridOptions All{agoMajorGrid, agoMinorGrid, agoTicks, agoOrigin};
-INSTANTIATE_TEST_SUITE_P(Table, GridTicks,
-                         testing::Values(TTicks{true, All, 4, 0, 2, 3, true, true},
-                                         TTicks{false, All, 4, 0, 2, 3, false, false},
-                                         TTicks{true, {agoMajorGrid}, 4, 0, 2, 3, false, false},
-                                         TTicks{true, All, 0, 0, 2, 3, false, true},
-                                         TTicks{true, All, -5, 2, 2, 0, true, false},
-                                         TTicks{true, All, 4, 0, -1, 3, true, false}));
 
 TEST(AxisGrid, OriginIsVisibleStrictlyInsideTheZoomedRange) {
   auto A = MakeAxis(calBottom, -10, 10);
@@ -284,70 +281,39 @@ TEST(AxisGrid, NoLabelsNoGrid) {
   EXPECT_EQ(test::CountPixels(Bmp.get(), [](TColor C) { return C == GridBlue; }), 0);
 }
 
-TEST(AxisGrid, AssignLeavesTheOriginAndStreamsTheDefaultsAsDefaults) {
-  auto A = MakeAxis(calBottom, 0, 1), B = MakeAxis(calBottom, 0, 1);
-  TKXAxisGrid* G = A->Grid();
-  G->SetMinorTickCount(5);
-  G->SetDrawOptions({agoMinorGrid});
-  G->SetTickLength(7);
-  G->SetMinorTickLength(1);
-  G->SetInnerLength(2);
-  G->GridPen()->SetColor(clRed);
-  G->SetOrigin(0.5);
-  B->Grid()->Assign(G);
-  const TKXAxisGrid* H = B->Grid();
-  EXPECT_EQ(H->MinorTickCount(), 5);
-  EXPECT_EQ(H->DrawOptions(), TAxisDrawGridOptions{agoMinorGrid});
-  EXPECT_EQ(H->TickLength(), 7);
-  EXPECT_EQ(H->MinorTickLength(), 1);
-  EXPECT_EQ(H->InnerLength(), 2);
-  EXPECT_EQ(H->GridPen()->Color(), clRed);
-  EXPECT_EQ(H->Origin(), 0);
-  EXPECT_EQ(H->Axis(), B.get());
-}
-
 // --- Bad input ---
 
-struct TBadAxis {
-  const char* Name;
-  double Min, Max;
-  bool Labels; // whether some label is expected
-};
-
-class AxisBadRange : public testing::TestWithParam<TBadAxis> {};
-
-TEST_P(AxisBadRange, MeasuresAndPaintsInBoundedTime) {
-  const TBadAxis& C = GetParam();
-  TAxesPicture P(false);
-  for (TKXChartAxis* A : {P.Bottom.get(), P.Left.get()}) {
-    A->SetOptions(A->Options() - aoAutoMinimum - aoAutoMaximum);
-    A->SetMaximum(C.Max);
-    A->SetMinimum(C.Min);
-    A->SetMaximum(C.Max);
+TEST(AxisBadInput, BadRangesMeasureAndPaintInBoundedTime) {
+  const struct {
+    const char* Name;
+    double Min, Max;
+    bool Labels; // whether some label is expected
+  } Cases[] = {{"NaN", NaN, NaN, false},       {"NaNMaximum", 0, NaN, false},
+               {"Infinite", -Inf, Inf, false}, {"WidestDoubles", -1e308, 1e308, true},
+               {"Huge", 1e308, 1.7e308, true}, {"Tiny", 0, 1e-300, true},
+               {"Empty", 3, 3, false},         {"StepBelowResolution", 1e20, 1e20 + 25000, true},
+               {"Subnormal", 0, 5e-324, false}};
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    TAxesPicture P(false);
+    for (TKXChartAxis* A : {P.Bottom.get(), P.Left.get()}) {
+      A->SetOptions(A->Options() - aoAutoMinimum - aoAutoMaximum);
+      A->SetMaximum(C.Max);
+      A->SetMinimum(C.Min);
+      A->SetMaximum(C.Max);
+    }
+    ASSERT_NO_THROW(P.Draw());
+    for (TKXChartAxis* A : {P.Bottom.get(), P.Left.get()}) {
+      EXPECT_GE(A->Width(), 0);
+      EXPECT_LE(A->Width(), 400);
+      EXPECT_GE(A->Height(), 0);
+      EXPECT_LE(A->Height(), 300);
+    }
+    // Below the ticks: only labels paint there.
+    const auto Runs = InkRunCentres(P.Bmp.get(), {P.Plot.Left + 2, P.Plot.Bottom + 5, 398, 300});
+    EXPECT_EQ(!Runs.empty(), C.Labels) << Runs.size();
   }
-  ASSERT_NO_THROW(P.Draw());
-  for (TKXChartAxis* A : {P.Bottom.get(), P.Left.get()}) {
-    EXPECT_GE(A->Width(), 0);
-    EXPECT_LE(A->Width(), 400);
-    EXPECT_GE(A->Height(), 0);
-    EXPECT_LE(A->Height(), 300);
-  }
-  // Below the ticks: only labels paint there.
-  const auto Runs = InkRunCentres(P.Bmp.get(), {P.Plot.Left + 2, P.Plot.Bottom + 5, 398, 300});
-  EXPECT_EQ(!Runs.empty(), C.Labels) << Runs.size();
 }
-
-INSTANTIATE_TEST_SUITE_P(Ranges, AxisBadRange,
-                         testing::Values(TBadAxis{"NaN", NaN, NaN, false},
-                                         TBadAxis{"NaNMaximum", 0, NaN, false},
-                                         TBadAxis{"Infinite", -Inf, Inf, false},
-                                         TBadAxis{"WidestDoubles", -1e308, 1e308, true},
-                                         TBadAxis{"Huge", 1e308, 1.7e308, true},
-                                         TBadAxis{"Tiny", 0, 1e-300, true},
-                                         TBadAxis{"Empty", 3, 3, false},
-                                         TBadAxis{"StepBelowResolution", 1e20, 1e20 + 25000, true},
-                                         TBadAxis{"Subnormal", 0, 5e-324, false}),
-                         [](const auto& Info) { return std::string(Info.param.Name); });
 
 TEST(AxisBadInput, BasesBelowTwoAndAZeroSeparationOnNoPixelsFinish) {
   for (int32_t Base : {0, 1}) {

@@ -122,23 +122,14 @@ TEST_F(AxisRange, StackedIgnoringChartStillLiftsTheNextButAddsNoRange) {
 
 // --- The ladder of steps ---
 
-struct TLadder {
-  double Value, Next;
-};
-
-class NewSpacingLadder : public testing::TestWithParam<TLadder> {};
-
-TEST_P(NewSpacingLadder, GivesTheNextStepStrictlyAbove) {
+TEST(NewSpacing, GivesTheNextStepOfTheLadderStrictlyAbove) {
+  const double Ladder[][2] = {{1, 2},   {1.99, 2},   {2, 5},          {4.9, 5},    {5, 10},
+                              {10, 25}, {24.9, 25},  {25, 50},        {50, 100},   {100, 250},
+                              {0.5, 1}, {0.25, 0.5}, {0.0012, 0.002}, {7e12, 1e13}};
   auto A = MakeAxis(calBottom, 0, 1);
-  EXPECT_DOUBLE_EQ(A->NewSpacing(GetParam().Value), GetParam().Next) << GetParam().Value;
+  for (const auto& [Value, Next] : Ladder)
+    EXPECT_DOUBLE_EQ(A->NewSpacing(Value), Next) << Value;
 }
-
-INSTANTIATE_TEST_SUITE_P(Ladder, NewSpacingLadder,
-                         testing::Values(TLadder{1, 2}, TLadder{1.99, 2}, TLadder{2, 5},
-                                         TLadder{4.9, 5}, TLadder{5, 10}, TLadder{10, 25},
-                                         TLadder{24.9, 25}, TLadder{25, 50}, TLadder{50, 100},
-                                         TLadder{100, 250}, TLadder{0.5, 1}, TLadder{0.25, 0.5},
-                                         TLadder{0.0012, 0.002}, TLadder{7e12, 1e13}));
 
 TEST(NewSpacing, AnswersNumbersWithoutANextStepAsTheyAreAndEnds) {
   auto A = MakeAxis(calBottom, 0, 1);
@@ -158,33 +149,28 @@ int32_t SevenPerChar(const std::string& Text) {
   return int32_t(Text.size()) * 7;
 }
 
-struct TSearch {
-  const char* Name;
-  double Maximum, Spacing, PixelSize;
-  int32_t MinSeparationPct;
-  double Expected;
-};
-
-class MajorGridSearch : public testing::TestWithParam<TSearch> {};
-
-TEST_P(MajorGridSearch, DoublesTheStepUntilTheLabelsFit) {
-  const TSearch& C = GetParam();
-  auto A = MakeAxis(calBottom, 0, C.Maximum);
-  A->SetFormat("0");
-  const double MinSep = 400.0 * C.MinSeparationPct / 100;
-  EXPECT_EQ(A->GetMajorGridSpacing(C.Spacing, C.PixelSize, 400, 0, MinSep, SevenPerChar),
-            C.Expected);
+TEST(MajorGridSearch, DoublesTheStepUntilTheLabelsFit) {
+  const struct {
+    const char* Name;
+    double Maximum, Spacing, PixelSize;
+    int32_t MinSeparationPct;
+    double Expected;
+  } Cases[] = {// "75" is 14 pixels, within 40 + 0.
+               {"Fits", 100, 25, 40, 0, 25},
+               // "99975" needs 35 > 10: 50, whose walk is checked against 35 itself.
+               {"DoublesOnce", 100000, 25, 10, 0, 50},
+               // "99990" (35) against 5 + 40: fits; against 2 + 0: doubled.
+               {"SeparationCounts", 100000, 10, 5, 10, 10},
+               {"WithoutSeparation", 100000, 10, 2, 0, 20}};
+  for (const auto& C : Cases) {
+    auto A = MakeAxis(calBottom, 0, C.Maximum);
+    A->SetFormat("0");
+    const double MinSep = 400.0 * C.MinSeparationPct / 100;
+    EXPECT_EQ(A->GetMajorGridSpacing(C.Spacing, C.PixelSize, 400, 0, MinSep, SevenPerChar),
+              C.Expected)
+        << C.Name;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Steps, MajorGridSearch,
-                         testing::Values(
-                             // "75" is 14 pixels, within 40 + 0.
-                             TSearch{"Fits", 100, 25, 40, 0, 25},
-                             // "99975" needs 35 > 10: 50, whose walk is checked against 35 itself.
-                             TSearch{"DoublesOnce", 100000, 25, 10, 0, 50},
-                             // "99990" (35) against 5 + 40: fits; against 2 + 0: doubled.
-                             TSearch{"SeparationCounts", 100000, 10, 5, 10, 10},
-                             TSearch{"WithoutSeparation", 100000, 10, 2, 0, 20}));
 
 TEST(MajorGridSearch, EndsForLabelsOfNoExtentOnAnAxisOfNoLength) {
   auto A = MakeAxis(calBottom, 0, 10);
@@ -208,24 +194,18 @@ TEST(LabelSpacing, RangeZeroToHundredStartsTheSearchAt25MeasuredAtTheTop) {
   EXPECT_EQ(A->GetLabelSpacing(Bmp->Canvas(), {0, 0, 400, 20}, 5, 5), 1.0);
 }
 
-struct TFixed {
-  double Increment, MinStep, Expected;
-};
-
-class FixedIncrement : public testing::TestWithParam<TFixed> {};
-
-TEST_P(FixedIncrement, BypassesTheSearchButNotTheCutNorTheLeastStep) {
-  auto A = MakeAxis(calLeft, 0, 100);
-  A->SetLabelIncrement(GetParam().Increment);
-  A->SetMinStepIncrement(GetParam().MinStep);
+TEST(LabelSpacing, AFixedIncrementBypassesTheSearchButNotTheCutNorTheLeastStep) {
+  const double Cases[][3] = {{2.5, 0, 2},  {0.5, 0, 0.5}, {-2.5, 0, 0},
+                             {-0.5, 0, 0}, {2.5, 7, 7},   {0.1, 0.25, 0.25}};
   TOwned<TBitmap> Bmp(New<TBitmap>());
-  EXPECT_EQ(A->GetLabelSpacing(Bmp->Canvas(), {0, 0, 50, 300}, 0, 100), GetParam().Expected);
+  for (const auto& [Increment, MinStep, Expected] : Cases) {
+    auto A = MakeAxis(calLeft, 0, 100);
+    A->SetLabelIncrement(Increment);
+    A->SetMinStepIncrement(MinStep);
+    EXPECT_EQ(A->GetLabelSpacing(Bmp->Canvas(), {0, 0, 50, 300}, 0, 100), Expected)
+        << Increment << " " << MinStep;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Increments, FixedIncrement,
-                         testing::Values(TFixed{2.5, 0, 2}, TFixed{0.5, 0, 0.5}, TFixed{-2.5, 0, 0},
-                                         TFixed{-0.5, 0, 0}, TFixed{2.5, 7, 7},
-                                         TFixed{0.1, 0.25, 0.25}));
 
 // For real fonts: the step is the first step doubled k times, and it was doubled exactly
 // when a label of the walk down from the top was longer than the pixels of the first step
@@ -236,42 +216,39 @@ struct TRangeFont {
   TKXChartAxisLocation Location;
 };
 
-class LabelStepsForRealFonts : public testing::TestWithParam<TRangeFont> {};
-
-TEST_P(LabelStepsForRealFonts, DoubleTheFirstStepOnlyWhenItsLabelsDoNotFit) {
-  const TRangeFont& C = GetParam();
-  auto A = MakeAxis(C.Location, C.Min, C.Max);
-  TOwned<TBitmap> Bmp(New<TBitmap>());
-  TCanvas* Canvas = Bmp->Canvas();
-  Canvas->Font()->SetSize(C.FontSize);
-  const TRect R{0, 0, 600, 400};
-  const double Step = A->GetLabelSpacing(Canvas, R, C.Min, C.Max);
-  const double First = A->SearchSpacing;
-  ASSERT_GT(Step, 0);
-  const double Ratio = Step / First;
-  EXPECT_NEAR(std::exp2(std::round(std::log2(Ratio))), Ratio, 1e-9 * Ratio);
-  const bool Vertical = A->IsVertical();
-  const int32_t Length = Vertical ? R.Height() : R.Width();
-  const double Pixels = std::abs(A->AxisToPixel(C.Max, R) - A->AxisToPixel(C.Max - First, R));
-  const double Advance = Pixels + Length * 10 / 100.0;
-  bool Fits = true;
-  double Pos = Length - Pixels;
-  for (double V = C.Max - First; Fits; V -= First) {
-    const TSize Size = Canvas->TextExtent(A->FormatValue(V));
-    Fits = (Vertical ? Size.cy : Size.cx) <= Advance;
-    Pos -= Advance;
-    if (Pos <= 0) break;
+TEST(LabelSteps, ForRealFontsDoubleTheFirstStepOnlyWhenItsLabelsDoNotFit) {
+  const TRangeFont Cases[] = {
+      {0, 100, 8, calBottom},  {0, 100, 24, calBottom},    {0, 1e6, 8, calBottom},
+      {0, 1e6, 20, calBottom}, {-3.5, 2.25, 8, calBottom}, {0, 0.003, 14, calBottom},
+      {0, 100, 8, calLeft},    {0, 100, 40, calLeft},      {1e9, 1e9 + 5e6, 10, calBottom}};
+  for (const TRangeFont& C : Cases) {
+    SCOPED_TRACE(std::to_string(C.Min) + " .. " + std::to_string(C.Max) + " at " +
+                 std::to_string(C.FontSize));
+    auto A = MakeAxis(C.Location, C.Min, C.Max);
+    TOwned<TBitmap> Bmp(New<TBitmap>());
+    TCanvas* Canvas = Bmp->Canvas();
+    Canvas->Font()->SetSize(C.FontSize);
+    const TRect R{0, 0, 600, 400};
+    const double Step = A->GetLabelSpacing(Canvas, R, C.Min, C.Max);
+    const double First = A->SearchSpacing;
+    ASSERT_GT(Step, 0);
+    const double Ratio = Step / First;
+    EXPECT_NEAR(std::exp2(std::round(std::log2(Ratio))), Ratio, 1e-9 * Ratio);
+    const bool Vertical = A->IsVertical();
+    const int32_t Length = Vertical ? R.Height() : R.Width();
+    const double Pixels = std::abs(A->AxisToPixel(C.Max, R) - A->AxisToPixel(C.Max - First, R));
+    const double Advance = Pixels + Length * 10 / 100.0;
+    bool Fits = true;
+    double Pos = Length - Pixels;
+    for (double V = C.Max - First; Fits; V -= First) {
+      const TSize Size = Canvas->TextExtent(A->FormatValue(V));
+      Fits = (Vertical ? Size.cy : Size.cx) <= Advance;
+      Pos -= Advance;
+      if (Pos <= 0) break;
+    }
+    EXPECT_EQ(Fits, Ratio == 1) << "step " << Step << ", first " << First;
   }
-  EXPECT_EQ(Fits, Ratio == 1) << "step " << Step << ", first " << First;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, LabelStepsForRealFonts,
-    testing::Values(TRangeFont{0, 100, 8, calBottom}, TRangeFont{0, 100, 24, calBottom},
-                    TRangeFont{0, 1e6, 8, calBottom}, TRangeFont{0, 1e6, 20, calBottom},
-                    TRangeFont{-3.5, 2.25, 8, calBottom}, TRangeFont{0, 0.003, 14, calBottom},
-                    TRangeFont{0, 100, 8, calLeft}, TRangeFont{0, 100, 40, calLeft},
-                    TRangeFont{1e9, 1e9 + 5e6, 10, calBottom}));
 
 TEST(LabelSteps, ALargerFontNeverGivesASmallerStep) {
   TOwned<TBitmap> Bmp(New<TBitmap>());
@@ -287,35 +264,29 @@ TEST(LabelSteps, ALargerFontNeverGivesASmallerStep) {
 
 // --- Dates ---
 
-struct TDateRange {
-  const char* Name;
-  double Span; // days
-  const char* Format;
-  double LeastStep, MostStep; // days
-};
-
-class DateAxisSteps : public testing::TestWithParam<TDateRange> {};
-
-TEST_P(DateAxisSteps, AreFoundInDaysFromTheDatesTheLabelsShow) {
-  const TDateRange& C = GetParam();
+TEST(DateAxis, StepsAreFoundInDaysFromTheDatesTheLabelsShow) {
+  const struct {
+    const char* Name;
+    double Span; // days
+    const char* Format;
+    double LeastStep, MostStep; // days
+  } Cases[] = {{"Seconds", 60.0 / 86400, "hh:nn:ss", 1.0 / 86400, 30.0 / 86400},
+               {"Days", 14, "mmm d", 1, 7},
+               {"Months", 365, "mmm yy", 25, 200},
+               {"Years", 365.25 * 30, "yyyy", 365, 10000}};
   const double Start = EncodeDate(2024, 1, 1);
-  auto A = MakeAxis(calBottom, Start, Start + C.Span);
-  A->SetLabelStyle(alsDateTime);
-  A->SetDateTimeFormat(C.Format);
   TOwned<TBitmap> Bmp(New<TBitmap>());
-  const double Step = A->GetLabelSpacing(Bmp->Canvas(), {0, 0, 700, 30}, Start, Start + C.Span);
-  EXPECT_GE(Step, C.LeastStep);
-  EXPECT_LE(Step, C.MostStep);
-  EXPECT_EQ(A->FormatValue(Start), FormatDateTime(C.Format, Start));
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    auto A = MakeAxis(calBottom, Start, Start + C.Span);
+    A->SetLabelStyle(alsDateTime);
+    A->SetDateTimeFormat(C.Format);
+    const double Step = A->GetLabelSpacing(Bmp->Canvas(), {0, 0, 700, 30}, Start, Start + C.Span);
+    EXPECT_GE(Step, C.LeastStep);
+    EXPECT_LE(Step, C.MostStep);
+    EXPECT_EQ(A->FormatValue(Start), FormatDateTime(C.Format, Start));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Spans, DateAxisSteps,
-                         testing::Values(TDateRange{"Seconds", 60.0 / 86400, "hh:nn:ss",
-                                                    1.0 / 86400, 30.0 / 86400},
-                                         TDateRange{"Days", 14, "mmm d", 1, 7},
-                                         TDateRange{"Months", 365, "mmm yy", 25, 200},
-                                         TDateRange{"Years", 365.25 * 30, "yyyy", 365, 10000}),
-                         [](const auto& Info) { return std::string(Info.param.Name); });
 
 TEST(DateAxis, IsDateTimeByStyleOrByTheActiveChartsDateDimension) {
   TOwned<test::TTestForm> Form(New<test::TTestForm>(nullptr));

@@ -1,6 +1,5 @@
 #include "kxcharts/core/KXChartLayer.h"
 
-#include <ostream>
 #include <stdexcept>
 #include <string>
 
@@ -8,6 +7,7 @@
 
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/toolkit/KXStreaming.h"
+#include "tests/axes/KXAxesTestSupport.h"
 #include "tests/support/KXBitmapProbe.h"
 
 namespace kx {
@@ -64,11 +64,9 @@ TOwned<TKXChartLayer> LayerWith(const TGraphic* Picture, TImageMode Mode) {
   return L;
 }
 
+// An axis over 0..100, zoomed to ZoomMin..ZoomMax.
 TOwned<TKXChartAxis> MakeAxis(TKXChartAxisLocation Location, double ZoomMin, double ZoomMax) {
-  TOwned<TKXChartAxis> A(New<TKXChartAxis>(nullptr));
-  A->SetLocation(Location);
-  A->SetMinimum(0);
-  A->SetMaximum(100);
+  auto A = test::MakeAxis(Location, 0, 100);
   A->SetZoomMinimum(ZoomMin);
   A->SetZoomMaximum(ZoomMax);
   return A;
@@ -89,40 +87,30 @@ TEST(ChartLayer, FillsItsRectangleUnlessTransparent) {
   EXPECT_EQ(test::CountPainted(B.get()), 0) << "no fill and no picture: nothing at all";
 }
 
-struct TPlaceCase {
-  TImageMode Mode;
-  TRect Area;
-  TRect Painted;
-};
-
-void PrintTo(const TPlaceCase& C, std::ostream* Os) {
-  *Os << GetEnumName(C.Mode);
-}
-
-class LayerPlacement : public testing::TestWithParam<TPlaceCase> {};
-
-TEST_P(LayerPlacement, PutsAPictureOf100By50WhereItsModeSays) {
-  const TPlaceCase& C = GetParam();
+TEST(ChartLayer, PutsAPictureOf100By50WhereItsModeSays) {
+  const struct {
+    TImageMode Mode;
+    TRect Area, Painted;
+  } Cases[] = {{imCenter, {0, 0, 400, 300}, {150, 125, 250, 175}},
+               {imLeft, {0, 0, 400, 300}, {0, 125, 100, 175}},
+               {imRight, {0, 0, 400, 300}, {300, 125, 400, 175}},
+               {imTop, {0, 0, 400, 300}, {150, 0, 250, 50}},
+               {imBottom, {0, 0, 400, 300}, {150, 250, 250, 300}},
+               {imStretch, {10, 20, 400, 300}, {10, 20, 400, 300}},
+               {imTile, {10, 20, 400, 300}, {10, 20, 400, 300}},
+               {imProportional, {0, 0, 400, 400}, {0, 0, 400, 200}},
+               {imProportionalCenter, {0, 0, 400, 400}, {0, 100, 400, 300}},
+               // A picture larger than the rectangle is clipped to it.
+               {imCenter, {200, 200, 260, 230}, {200, 200, 260, 230}}};
   auto Pic = test::MakeBitmap(100, 50, Red);
-  auto L = LayerWith(Pic.get(), C.Mode);
-  auto B = test::MakeBitmap(450, 450);
-  L->Draw(B->Canvas(), C.Area);
-  EXPECT_EQ(test::PaintedBounds(B.get()), C.Painted);
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(GetEnumName(C.Mode));
+    auto L = LayerWith(Pic.get(), C.Mode);
+    auto B = test::MakeBitmap(450, 450);
+    L->Draw(B->Canvas(), C.Area);
+    EXPECT_EQ(test::PaintedBounds(B.get()), C.Painted);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Modes, LayerPlacement,
-    testing::Values(TPlaceCase{imCenter, {0, 0, 400, 300}, {150, 125, 250, 175}},
-                    TPlaceCase{imLeft, {0, 0, 400, 300}, {0, 125, 100, 175}},
-                    TPlaceCase{imRight, {0, 0, 400, 300}, {300, 125, 400, 175}},
-                    TPlaceCase{imTop, {0, 0, 400, 300}, {150, 0, 250, 50}},
-                    TPlaceCase{imBottom, {0, 0, 400, 300}, {150, 250, 250, 300}},
-                    TPlaceCase{imStretch, {10, 20, 400, 300}, {10, 20, 400, 300}},
-                    TPlaceCase{imTile, {10, 20, 400, 300}, {10, 20, 400, 300}},
-                    TPlaceCase{imProportional, {0, 0, 400, 400}, {0, 0, 400, 200}},
-                    TPlaceCase{imProportionalCenter, {0, 0, 400, 400}, {0, 100, 400, 300}},
-                    // A picture larger than the rectangle is clipped to it.
-                    TPlaceCase{imCenter, {200, 200, 260, 230}, {200, 200, 260, 230}}));
 
 TEST(ChartLayer, TilesRepeatFromTheTopLeftCorner) {
   auto Pic = Quadrants(40, 20);

@@ -189,16 +189,6 @@ TEST_F(ChangeRoad, InsideTheListenerBracketOnlyListenersAreSilent) {
   EXPECT_EQ(Count("A: PanelChange"), 1);
 }
 
-TEST_F(ChangeRoad, PanelListenersHearEveryChartAndChartListenersTheirOwn) {
-  A->Values()->Items(0)->SetValue(1, 3.0);
-  B->Values()->Items(0)->SetValue(1, 3.0);
-  EXPECT_EQ(AL.Count("ValueChanged A value"), 1);
-  EXPECT_EQ(AL.Count("ValueChanged B value"), 0);
-  EXPECT_EQ(BL.Count("ValueChanged B value"), 1);
-  EXPECT_EQ(PanelL.Count("ValueChanged A value"), 1);
-  EXPECT_EQ(PanelL.Count("ValueChanged B value"), 1);
-}
-
 TEST_F(ChangeRoad, SelectingAndHidingAValueTellTheirOwnNoticesFirst) {
   int PanelSel = 0, PanelVis = 0;
   Panel->SetOnChartValueSelectionChange(

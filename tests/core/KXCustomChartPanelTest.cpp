@@ -403,33 +403,29 @@ TEST_F(ChartPanelLayout, ElementsPaintInTheirFixedOrder) {
                                       "RightAxis", "Charts", "Legend", "Foreground", "Panel!"}));
 }
 
-struct TTinyCase {
-  int32_t Width, Height;
-  bool Paints;
-};
-
-class PanelTooSmall : public ChartPanelLayout, public testing::WithParamInterface<TTinyCase> {};
-
 // Margins take 6 across and 8 down, the bevel 1 more on each side.
-TEST_P(PanelTooSmall, PaintsNothingButStillEndsTheDraw) {
-  const TTinyCase& C = GetParam();
+TEST_F(ChartPanelLayout, APanelTooSmallPaintsNothingButStillEndsTheDraw) {
+  const struct {
+    int32_t Width, Height;
+    bool Paints;
+  } Cases[] = {{5, 300, false}, {8, 300, false}, {9, 300, true}, {400, 10, false}, {400, 11, true}};
   std::vector<std::string> Order;
   Record(nullptr, &Order);
   int Drawn = 0;
   Panel->SetOnDraw([&](TObject*, TCanvas*, const TRect&) { ++Drawn; });
-  Panel->SetBounds(0, 0, C.Width, C.Height);
-  Paint();
-  EXPECT_EQ(Drawn, 1);
-  EXPECT_EQ(Order.empty(), !C.Paints);
-  if (!C.Paints) {
-    EXPECT_EQ(test::CountPainted(Bitmap.get(), clFuchsia), 0);
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(std::to_string(C.Width) + " x " + std::to_string(C.Height));
+    Order.clear();
+    Drawn = 0;
+    Panel->SetBounds(0, 0, C.Width, C.Height);
+    Paint();
+    EXPECT_EQ(Drawn, 1);
+    EXPECT_EQ(Order.empty(), !C.Paints);
+    if (!C.Paints) {
+      EXPECT_EQ(test::CountPainted(Bitmap.get(), clFuchsia), 0);
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Sizes, PanelTooSmall,
-                         testing::Values(TTinyCase{5, 300, false}, TTinyCase{8, 300, false},
-                                         TTinyCase{9, 300, true}, TTinyCase{400, 10, false},
-                                         TTinyCase{400, 11, true}));
 
 // --- The gradient buffer ---
 
@@ -512,25 +508,6 @@ TEST_F(ChartPanelLayout, EveryOwnedElementReportsItsChangeThroughThePanel) {
 
 // --- Construction ---
 
-TEST(ChartPanel, ANewPanelStartsItsLayersAxesAndHintAsAPlacedPanelDoes) {
-  TOwned<TTestForm> Form(New<TTestForm>(nullptr));
-  auto* Panel = New<TKXChartPanel>(Form.get());
-  EXPECT_TRUE(Panel->Background()->Visible());
-  EXPECT_FALSE(Panel->Background()->Transparent());
-  for (TKXChartLayer* L : {Panel->ChartBackground(), Panel->Foreground()}) {
-    EXPECT_FALSE(L->Visible());
-    EXPECT_TRUE(L->Transparent());
-  }
-  for (TKXChartLayer* L : {Panel->Background(), Panel->ChartBackground(), Panel->Foreground()})
-    EXPECT_EQ(L->Brush()->Color(), Panel->Color());
-  EXPECT_EQ(Panel->LeftAxis()->Title()->Angle(), 90);
-  EXPECT_EQ(Panel->RightAxis()->Title()->Angle(), 270);
-  EXPECT_EQ(Panel->BottomAxis()->Title()->Text(), "");
-  ASSERT_NE(Panel->HintWindow(), nullptr);
-  EXPECT_EQ(Panel->HintWindow()->Corner(), 2);
-  EXPECT_TRUE(Panel->HintWindow()->IsSubComponent());
-}
-
 TEST(ChartPanel, InDesignModeAxesNameTheirSideAndNoHintWindowIsMade) {
   TOwned<TTestForm> Form(New<TTestForm>(nullptr));
   Form->SetDesigning(true);
@@ -562,7 +539,9 @@ TEST(ChartPanel, StoresTheSelectionColourAlwaysAndMarginsOnlyWhenTheyDiffer) {
   EXPECT_EQ(Json.find("\"SelectionColor\""), std::string::npos);
 }
 
-TEST(ChartPanel, APanelSavedAndLoadedBackPaintsTheSamePixels) {
+// Charts on the panel and a chart alone come back where they were, with their settings and
+// values, and the panel paints the same pixels.
+TEST(ChartPanel, AFormSavedAndLoadedBackHoldsTheSameChartsAndPaintsTheSamePixels) {
   StartChartModules();
   RegisterClasses({ClassOf<TTestForm>(), ClassOf<TMarkChart>()});
   ColorListIndex = 0;
@@ -571,6 +550,7 @@ TEST(ChartPanel, APanelSavedAndLoadedBackPaintsTheSamePixels) {
   auto* Panel = New<TKXChartPanel>(Form.get());
   Panel->SetName("Panel1");
   Panel->SetBounds(0, 0, 360, 240);
+  Panel->SetChartColorScheme(schPastels);
   Panel->Header()->SetText("Stored");
   Panel->Header()->SetHeight(30);
   Panel->Footer()->SetVisible(false);
@@ -583,10 +563,10 @@ TEST(ChartPanel, APanelSavedAndLoadedBackPaintsTheSamePixels) {
   Panel->ChartBackground()->SetTransparent(false);
   Panel->ChartBackground()->Brush()->SetColor(clCream);
   Panel->RightAxis()->SetVisible(true);
-  Panel->LeftAxis()->SetMinimum(0);
-  Panel->LeftAxis()->SetMaximum(10);
-  Panel->BottomAxis()->SetMinimum(0);
-  Panel->BottomAxis()->SetMaximum(10);
+  for (TKXChartAxis* A : {Panel->LeftAxis(), Panel->RightAxis(), Panel->BottomAxis()}) {
+    A->SetMinimum(0);
+    A->SetMaximum(10);
+  }
   for (int I = 0; I < 2; ++I) {
     auto* C = New<TMarkChart>(Form.get());
     C->SetName("Chart" + std::to_string(I));
@@ -595,22 +575,52 @@ TEST(ChartPanel, APanelSavedAndLoadedBackPaintsTheSamePixels) {
     C->Values()->Add({0, 2.0 + 3 * I});
     C->Values()->Add({0, 8.0 - I});
   }
+  auto* C = New<TMarkChart>(Form.get());
+  C->SetName("Sorted");
+  C->SetPanel(Panel);
+  C->SetVertAxis(vaRight);
+  C->SetGroupStyle(gsStacked);
+  C->Values()->SetSorted(true);
+  C->Values()->Add({2, 6}, "b");
+  C->Values()->Add({1, 3}, "a");
+  auto* Alone = New<TKXChart>(Form.get());
+  Alone->SetName("Alone");
+  Alone->Values()->Add(42);
+  Alone->HorizontalAxis()->SetMaximum(50);
   const std::string Json = SaveFormToString(Form.get());
 
   TOwned<TTestForm> Copy(New<TTestForm>(nullptr));
   LoadFormFromString(Copy.get(), Json);
   auto* P2 = dynamic_cast<TKXChartPanel*>(Copy->FindComponent("Panel1"));
-  ASSERT_NE(P2, nullptr);
+  auto* C2 = dynamic_cast<TMarkChart*>(Copy->FindComponent("Sorted"));
+  auto* A2 = dynamic_cast<TKXChart*>(Copy->FindComponent("Alone"));
+  ASSERT_TRUE(P2 && C2 && A2) << Json;
   EXPECT_EQ(SaveFormToString(Copy.get()), Json);
+  EXPECT_EQ(P2->ChartColorScheme(), schPastels);
+  EXPECT_EQ(C2->Panel(), P2);
+  EXPECT_EQ(P2->Charts()->IndexOf(C2), 2);
+  EXPECT_EQ(C2->VerticalAxis(), P2->RightAxis());
+  EXPECT_EQ(C2->HorizontalAxis(), P2->BottomAxis());
+  EXPECT_EQ(C2->GroupStyle(), gsStacked);
+  EXPECT_TRUE(C2->Values()->Sorted());
+  ASSERT_EQ(C2->Values()->Count(), 2);
+  EXPECT_EQ(C2->Values()->Items(0)->Caption(), "a");
+  EXPECT_EQ(C2->Values()->Items(1)->GetValue(1), 6.0);
+  EXPECT_EQ(C2->Values()->Items(1)->Color(), C->Values()->Items(1)->Color());
+  EXPECT_EQ(A2->Panel(), nullptr);
+  EXPECT_EQ(A2->HorizontalAxis(), A2->LocalHorizontalAxis());
+  EXPECT_EQ(A2->HorizontalAxis()->Maximum(), 50.0);
+  EXPECT_EQ(A2->Values()->Items(0)->Value(), 42.0);
+
   auto A = test::MakeBitmap(360, 240);
   auto B = test::MakeBitmap(360, 240);
   Panel->Draw(A->Canvas(), Panel->ClientRect());
   P2->Draw(B->Canvas(), P2->ClientRect());
   EXPECT_EQ(P2->ChartRect(), Panel->ChartRect());
   EXPECT_EQ(test::PixelBytes(B.get()), test::PixelBytes(A.get()));
-  // Something of each part is there to compare: the legend's two lines, the chart
-  // background, the charts' squares.
-  EXPECT_EQ(P2->Legend()->Lines()->Count(), 2);
+  // Something of each part is there to compare: the legend's lines, the chart background,
+  // the charts' squares.
+  EXPECT_EQ(P2->Legend()->Lines()->Count(), 3);
   EXPECT_GT(test::CountPixels(B.get(), [](TColor C) { return C == clCream; }), 1000);
 }
 

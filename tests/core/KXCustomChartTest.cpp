@@ -11,6 +11,7 @@
 #include "kxcharts/toolkit/KXBitmap.h"
 #include "kxcharts/toolkit/KXObjectRect.h"
 #include "kxcharts/toolkit/KXStreaming.h"
+#include "tests/support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {
@@ -53,20 +54,6 @@ TEST_F(ChartInPanel, ChartOwnedByThePanelJoinsItsListAndBottomAndLeftAxes) {
   EXPECT_EQ(C->Parent(), Panel);
 }
 
-TEST(CustomChart, ChartAloneIsOnItsLocalAxesAndVisible) {
-  TOwned<TTestForm> Form(New<TTestForm>(nullptr));
-  auto* C = New<TTestChart>(Form.get());
-  EXPECT_EQ(C->Panel(), nullptr);
-  EXPECT_EQ(C->HorizontalAxis(), C->LocalHorizontalAxis());
-  EXPECT_EQ(C->VerticalAxis(), C->LocalVerticalAxis());
-  EXPECT_FALSE(C->LocalHorizontalAxis()->Visible());
-  EXPECT_TRUE(C->IsVisible());
-  EXPECT_EQ(C->Width(), 100);
-  EXPECT_EQ(C->Height(), 75);
-  EXPECT_EQ(C->Options(), TChartOptions::FromBits(1815));
-  EXPECT_FALSE(C->Preview());
-}
-
 TEST_F(ChartInPanel, RemovingAChartFromTheListSendsItBackToItsLocalAxes) {
   TTestChart* C = AddChart("Chart1");
   std::vector<std::string> Deleted;
@@ -77,16 +64,6 @@ TEST_F(ChartInPanel, RemovingAChartFromTheListSendsItBackToItsLocalAxes) {
   EXPECT_EQ(C->HorizontalAxis(), C->LocalHorizontalAxis());
   EXPECT_LT(Panel->BottomAxis()->Charts()->IndexOf(C), 0);
   EXPECT_EQ(Panel->Charts()->NumVisible(), 0);
-}
-
-TEST_F(ChartInPanel, MovingToAnotherPanelLeavesTheFirstOne) {
-  TTestChart* C = AddChart("Chart1");
-  auto* Other = New<TKXChartPanel>(Form.get());
-  C->SetPanel(Other);
-  EXPECT_EQ(Panel->Charts()->Count(), 0);
-  EXPECT_EQ(Panel->LeftAxis()->Charts()->Count(), 0);
-  EXPECT_EQ(Other->Charts()->IndexOf(C), 0);
-  EXPECT_EQ(C->VerticalAxis(), Other->LeftAxis());
 }
 
 TEST_F(ChartInPanel, FreeingAChartLeavesNoTraceInPanelOrAxes) {
@@ -187,18 +164,6 @@ TEST_F(ChartInPanel, CumulativeValueSkipsHiddenChartsWhileTheTotalCountsThem) {
   EXPECT_EQ(C->GetCumulativeTotal(0, 1), 7.0);
   EXPECT_EQ(C->GetCumulativeValue(5, 1), 0.0); // no such value
   EXPECT_EQ(C->GetCumulativeValue(0, 1, ClassOf<TKXChart>()), 5.0);
-}
-
-TEST_F(ChartInPanel, StackedChartsShiftUpByTheTopOfTheChartBelow) {
-  TTestChart* A = AddChart("A", {1, 3});
-  TTestChart* B = AddChart("B", {2, 2});
-  A->SetGroupStyle(gsStacked);
-  TKXChartAxis* Axis = Panel->LeftAxis();
-  Axis->UpdateAxisValues();
-  EXPECT_EQ(B->OffsetVertical(), 3.0);
-  EXPECT_EQ(Axis->Minimum(), 1.0);
-  EXPECT_EQ(Axis->Maximum(), 5.0);
-  EXPECT_FALSE(Axis->NeedAxisUpdate());
 }
 
 // --- What lies in view ---
@@ -362,21 +327,6 @@ TEST(CustomChart, FormatValueInEveryTextStyle) {
   EXPECT_EQ(C->FormatValue(V, ltsPercent), "0.00 %"); // nothing to share
 }
 
-TEST_F(ChartInPanel, LegendTextFollowsTheLegendStyle) {
-  TTestChart* A = AddChart("A", {1, 2});
-  A->Values()->Items(1)->SetCaption("last");
-  Panel->LeftAxis()->SetFormat("0");
-  EXPECT_EQ(GetLegendText(A, A->Values()->Items(1), lsAuto, ltsCaptionValue), "last 2");
-  EXPECT_EQ(GetLegendText(A, nullptr, lsCharts, ltsValue), "A");
-  A->SetCaption("Sales");
-  EXPECT_EQ(GetLegendText(A, nullptr, lsChartsLastValue, ltsValue), "Sales 2");
-  TTestChart* B = AddChart("", {});
-  EXPECT_TRUE(IsLegendShowingCharts(Panel, lsAuto));
-  EXPECT_EQ(GetLegendText(B, nullptr, lsAuto, ltsValue), "TTestChart");
-  EXPECT_FALSE(IsLegendShowingCharts(nullptr, lsAuto));
-  EXPECT_FALSE(IsLegendShowingCharts(Panel, lsValues));
-}
-
 TEST(CustomChart, ModifyRectByMarginsInPixelsAndPerCent) {
   auto M = MakeOwned<TKXObjectRect>(TRect{10, 10, 10, 10});
   EXPECT_EQ(ModifyRectByMargins({0, 0, 200, 100}, M.get(), true), (TRect{10, 10, 190, 90}));
@@ -387,23 +337,13 @@ TEST(CustomChart, ModifyRectByMarginsInPixelsAndPerCent) {
 TEST(CustomChart, LabelWithAnEmptyCaptionDrawsNothing) {
   TOwned<TTestForm> Form(New<TTestForm>(nullptr));
   auto* C = New<TKXChart>(Form.get());
-  auto Bmp = MakeOwned<TBitmap>();
-  Bmp->SetSize(60, 40);
-  Bmp->Canvas()->Brush()->SetColor(clWhite);
-  Bmp->Canvas()->FillRect({0, 0, 60, 40});
-  const auto Inked = [&] {
-    int N = 0;
-    for (int Y = 0; Y < 40; ++Y)
-      for (int X = 0; X < 60; ++X)
-        N += Bmp->Canvas()->Pixel(X, Y) != clWhite;
-    return N;
-  };
+  auto Bmp = test::MakeBitmap(60, 40);
   C->DrawLabel(Bmp->Canvas(), std::string(), 30, 20, 1.0f);
-  EXPECT_EQ(Inked(), 0);
+  EXPECT_EQ(test::CountPainted(Bmp.get()), 0);
   Bmp->Canvas()->Brush()->SetStyle(bsClear);
   Bmp->Canvas()->Font()->SetColor(clBlack);
   C->DrawLabel(Bmp->Canvas(), std::string("W"), 30, 20, 1.0f);
-  EXPECT_GT(Inked(), 0);
+  EXPECT_GT(test::CountPainted(Bmp.get()), 0);
 }
 
 // --- Canvas set-up ---
@@ -483,56 +423,6 @@ TEST(CustomChart, DesignTimeChartShowsSamplesUntilItsFirstChange) {
   EXPECT_FALSE(C->Preview());
 }
 
-// --- Streaming ---
-
-TEST(CustomChart, FormWithPanelAndChartsRoundTripsThroughJson) {
-  StartChartModules();
-  RegisterClasses({ClassOf<TTestForm>(), ClassOf<TTestChart>()});
-  TOwned<TTestForm> Form(New<TTestForm>(nullptr));
-  Form->SetName("Form1");
-  auto* Panel = New<TKXChartPanel>(Form.get());
-  Panel->SetName("Panel1");
-  Panel->SetChartColorScheme(schPastels);
-  auto* C = New<TTestChart>(Form.get());
-  C->SetName("Chart1");
-  C->SetPanel(Panel);
-  C->SetVertAxis(vaRight);
-  C->SetCaption("Sales");
-  C->SetGroupStyle(gsStacked);
-  C->Values()->SetSorted(true);
-  C->Values()->Add({2, 20}, "b");
-  C->Values()->Add({1, 10}, "a");
-  auto* Alone = New<TKXChart>(Form.get());
-  Alone->SetName("Alone");
-  Alone->Values()->Add(42);
-  Alone->HorizontalAxis()->SetMaximum(50);
-  const std::string Json = SaveFormToString(Form.get());
-
-  TOwned<TTestForm> Copy(New<TTestForm>(nullptr));
-  LoadFormFromString(Copy.get(), Json);
-  auto* P2 = dynamic_cast<TKXChartPanel*>(Copy->FindComponent("Panel1"));
-  auto* C2 = dynamic_cast<TTestChart*>(Copy->FindComponent("Chart1"));
-  auto* A2 = dynamic_cast<TKXChart*>(Copy->FindComponent("Alone"));
-  ASSERT_TRUE(P2 && C2 && A2) << Json;
-  EXPECT_EQ(P2->ChartColorScheme(), schPastels);
-  EXPECT_EQ(C2->Panel(), P2);
-  EXPECT_EQ(P2->Charts()->IndexOf(C2), 0);
-  EXPECT_EQ(C2->VerticalAxis(), P2->RightAxis());
-  EXPECT_EQ(C2->HorizontalAxis(), P2->BottomAxis());
-  EXPECT_EQ(C2->Caption(), "Sales");
-  EXPECT_EQ(C2->GroupStyle(), gsStacked);
-  EXPECT_TRUE(C2->Values()->Sorted());
-  ASSERT_EQ(C2->Values()->Count(), 2);
-  EXPECT_EQ(C2->Values()->Items(0)->Caption(), "a");
-  EXPECT_EQ(C2->Values()->Items(1)->GetValue(1), 20.0);
-  EXPECT_EQ(C2->Values()->Items(1)->Color(), C->Values()->Items(1)->Color());
-  EXPECT_EQ(A2->Panel(), nullptr);
-  EXPECT_EQ(A2->HorizontalAxis(), A2->LocalHorizontalAxis());
-  EXPECT_EQ(A2->HorizontalAxis()->Maximum(), 50.0);
-  EXPECT_EQ(A2->Values()->Items(0)->Value(), 42.0);
-  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
-}
-
 // --- Copies, captions, glyphs, painting alone ---
 
 TEST_F(ChartInPanel, CloneCopiesSettingsAndValuesIntoTheSameClass) {
@@ -577,18 +467,12 @@ TEST(CustomChart, GlyphsPaintInTheChartsColourAndLeaveTheCanvasAsItWas) {
   TOwned<TTestForm> Form(New<TTestForm>(nullptr));
   auto* C = New<TKXChart>(Form.get());
   C->SetColor(clRed);
-  auto Bmp = MakeOwned<TBitmap>();
-  Bmp->SetSize(40, 40);
+  auto Bmp = test::MakeBitmap(40, 40);
   TCanvas* Canvas = Bmp->Canvas();
   Canvas->Brush()->SetColor(clWhite);
-  Canvas->FillRect({0, 0, 40, 40});
   Canvas->Pen()->SetWidth(4);
   C->DrawGlyph(Canvas, TRect{0, 0, 40, 40});
-  int Red = 0;
-  for (int Y = 0; Y < 40; ++Y)
-    for (int X = 0; X < 40; ++X)
-      Red += Canvas->Pixel(X, Y) == clRed;
-  EXPECT_GT(Red, 100);
+  EXPECT_GT(test::CountPixels(Bmp.get(), [](TColor P) { return P == clRed; }), 100);
   EXPECT_EQ(Canvas->Brush()->Color(), clWhite);
   EXPECT_EQ(Canvas->Pen()->Width(), 4);
   TKXChartValue* V = C->Values()->Add(1);

@@ -1,6 +1,5 @@
 #include "kxcharts/legends/KXChartLegends.h"
 
-#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -175,49 +174,33 @@ TEST_F(LegendInPanel, AFailedGatheringIsTriedAgainAtTheNextRead) {
 
 // --- Setters ---
 
-struct TClampCase {
-  const char* Name;
-  void (TKXChartLegend::*Set)(int32_t);
-  int32_t (TKXChartLegend::*Get)() const;
-  int32_t Given, Stored;
-  int Changes = 1;
-};
-
-void PrintTo(const TClampCase& C, std::ostream* Os) {
-  *Os << C.Name << " " << C.Given;
-}
-
-class LegendClamps : public testing::TestWithParam<TClampCase> {};
-
 // A number is clamped before it is compared: -3 for FirstIndex is the 0 it holds.
-TEST_P(LegendClamps, StoreTheNearestAllowedNumberAndReportIt) {
-  const TClampCase& C = GetParam();
-  auto L = MakeOwned<TKXChartLegend>();
-  int Changes = 0;
-  L->SetOnChange([&](TObject*) { ++Changes; });
-  ((*L).*C.Set)(C.Given);
-  EXPECT_EQ(((*L).*C.Get)(), C.Stored);
-  EXPECT_EQ(Changes, C.Changes);
-  ((*L).*C.Set)(C.Given);
-  EXPECT_EQ(Changes, C.Changes) << "the same number again is no change";
+TEST(ChartLegend, SettersStoreTheNearestAllowedNumberAndReportIt) {
+  using L = TKXChartLegend;
+  const struct {
+    const char* Name;
+    void (L::*Set)(int32_t);
+    int32_t (L::*Get)() const;
+    int32_t Given, Stored;
+    int Changes;
+  } Cases[] = {{"BoxSize", &L::SetBoxSize, &L::BoxSize, 2, 4, 1},
+               {"MaxRows", &L::SetMaxRows, &L::MaxRows, 0, 1, 1},
+               {"MaxColumns", &L::SetMaxColumns, &L::MaxColumns, -5, 1, 1},
+               {"MaxWidthHigh", &L::SetMaxWidthPct, &L::MaxWidthPct, 150, 100, 1},
+               {"MaxWidthLow", &L::SetMaxWidthPct, &L::MaxWidthPct, 0, 1, 1},
+               {"FirstIndex", &L::SetFirstIndex, &L::FirstIndex, -3, 0, 0}};
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    auto Legend = MakeOwned<L>();
+    int Changes = 0;
+    Legend->SetOnChange([&](TObject*) { ++Changes; });
+    ((*Legend).*C.Set)(C.Given);
+    EXPECT_EQ(((*Legend).*C.Get)(), C.Stored);
+    EXPECT_EQ(Changes, C.Changes);
+    ((*Legend).*C.Set)(C.Given);
+    EXPECT_EQ(Changes, C.Changes) << "the same number again is no change";
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Setters, LegendClamps,
-                         testing::Values(TClampCase{"BoxSize", &TKXChartLegend::SetBoxSize,
-                                                    &TKXChartLegend::BoxSize, 2, 4},
-                                         TClampCase{"MaxRows", &TKXChartLegend::SetMaxRows,
-                                                    &TKXChartLegend::MaxRows, 0, 1},
-                                         TClampCase{"MaxColumns", &TKXChartLegend::SetMaxColumns,
-                                                    &TKXChartLegend::MaxColumns, -5, 1},
-                                         TClampCase{"MaxWidthHigh", &TKXChartLegend::SetMaxWidthPct,
-                                                    &TKXChartLegend::MaxWidthPct, 150, 100},
-                                         TClampCase{"MaxWidthLow", &TKXChartLegend::SetMaxWidthPct,
-                                                    &TKXChartLegend::MaxWidthPct, 0, 1},
-                                         TClampCase{"FirstIndex", &TKXChartLegend::SetFirstIndex,
-                                                    &TKXChartLegend::FirstIndex, -3, 0, 0}),
-                         [](const testing::TestParamInfo<TClampCase>& I) {
-                           return std::string(I.param.Name);
-                         });
 
 TEST(ChartLegend, NegativeMarginsBecomeZeroWithOneChange) {
   auto L = MakeOwned<TKXChartLegend>();
@@ -238,44 +221,10 @@ TEST(ChartLegend, RectStyleGivesTheShadowTheBoxsShape) {
   EXPECT_EQ(L->Shadow()->Style(), shpRectangle);
 }
 
-TEST(ChartLegend, AssignCopiesLinesLimitsAndShapeAndClonesAlike) {
-  auto A = MakeOwned<TKXChartLegend>();
-  SetFixedLines(A.get(), {"x", "y"});
-  A->SetAlign(laTop);
-  A->SetRectStyle(lrsRoundRect);
-  A->SetMaxRows(3);
-  A->SetOverlay(true);
-  A->SetMaxWidthPct(40);
-  A->Margins()->SetRect({1, 2, 3, 4});
-  A->SetOptions({loLargeGlyphs});
-  A->SetTextVerticalAlign(taAlignBottom);
-  TOwned<TKXChartGraphic> C = A->Clone();
-  auto* B = static_cast<TKXChartLegend*>(C.get());
-  EXPECT_EQ(TextsOf(B->Lines()), (std::vector<std::string>{"x", "y"}));
-  EXPECT_TRUE(B->Fixed());
-  EXPECT_EQ(B->Align(), laTop);
-  EXPECT_EQ(B->RectStyle(), lrsRoundRect);
-  EXPECT_EQ(B->Shadow()->Style(), shpRoundRect);
-  EXPECT_EQ(B->MaxRows(), 3);
-  EXPECT_TRUE(B->Overlay());
-  EXPECT_EQ(B->MaxWidthPct(), 40);
-  EXPECT_EQ(B->Margins()->Rect(), (TRect{1, 2, 3, 4}));
-  EXPECT_EQ(B->Options(), TKXLegendOptions{loLargeGlyphs});
-  EXPECT_EQ(B->TextVerticalAlign(), taAlignBottom);
-  EXPECT_EQ(B->Alignment(), taLeftJustify);
-}
-
-TEST_F(LegendInPanel, TheLegendTakesThePanelsFontAndFollowsIt) {
+TEST_F(LegendInPanel, TheLegendStartsWithThePanelsFont) {
   Panel->Font()->SetSize(11);
   auto L = MakeOwned<TKXChartLegend>(Panel);
   EXPECT_EQ(L->Font()->Size(), 11);
-  L->Font()->SetColor(clMaroon);
-  auto Bold = MakeOwned<TFont>();
-  Bold->Assign(Panel->Font());
-  Bold->SetStyle({fsBold});
-  L->Font()->ChangeBaseFont(Bold.get());
-  EXPECT_EQ(L->Font()->Color(), clMaroon) << "its own colour stays";
-  EXPECT_TRUE(L->Font()->Style().Contains(fsBold));
 }
 
 // --- Measuring ---
@@ -352,16 +301,6 @@ TEST_F(LegendMeasure, ABottomLegendWiderThanItsRectangleKeepsOneColumn) {
   EXPECT_EQ(S, (TSize{3 + Longest + 20 + 6 + 3, 4 + 3 * TH + 4}));
   L->SetMaxRows(2);
   EXPECT_EQ(L->Size(Canvas, {0, 0, 30, 200}, Longest).cy, 4 + 2 * TH + 4) << "MaxRows caps rows";
-}
-
-TEST_F(LegendMeasure, LargeGlyphsMakeRowsAtLeastBoxSizeHigh) {
-  L->SetOptions({loLargeGlyphs});
-  L->SetBoxSize(TH + 9);
-  L->Shadow()->SetVisible(false);
-  int32_t Longest;
-  EXPECT_EQ(L->Size(Canvas, Area, Longest).cy, 4 + 3 * (TH + 9) + 4);
-  L->SetBoxSize(4);
-  EXPECT_EQ(L->Size(Canvas, Area, Longest).cy, 4 + 3 * TH + 4);
 }
 
 TEST_F(LegendMeasure, WithoutResizeBoundsTheLegendTakesTheWholeRectangle) {
@@ -580,6 +519,7 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
   Legend->SetMaxWidthPct(60);
   Legend->SetTextVerticalAlign(taAlignTop);
   Legend->SetOverlay(true);
+  Legend->SetMaxRows(3);
   Legend->Shadow()->SetSize(5);
   const std::string Json = SaveFormToString(Form.get());
   EXPECT_LT(Json.find("\"Fixed\""), Json.find("\"Lines\"")) << "Fixed is read first";
@@ -603,6 +543,20 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
   EXPECT_EQ(L->Shadow()->Size(), 5);
   EXPECT_EQ(L->Alignment(), taLeftJustify);
   EXPECT_EQ(SaveFormToString(Copy.get()), Json);
+
+  // Assign copies every stored setting, the fixed lines among them, and the box's shape
+  // reaches the shadow.
+  TOwned<TTestForm> Third(New<TTestForm>(nullptr));
+  Third->SetName("Form1");
+  auto* P3 = New<TKXChartPanel>(Third.get());
+  P3->SetName("Panel1");
+  ColorListIndex = 0; // the same colour as chart A
+  auto* C3 = New<TTestChart>(Third.get());
+  C3->SetCaption("A");
+  C3->SetPanel(P3);
+  P3->Legend()->Assign(Legend);
+  EXPECT_EQ(P3->Legend()->Shadow()->Style(), shpRoundRect);
+  EXPECT_EQ(SaveFormToString(Third.get()), Json);
 }
 
 TEST_F(LegendInPanel, LinesThatAreNotTextsAreRefusedByName) {
