@@ -195,6 +195,7 @@ void TKXCustomLineChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
   // A pass that raises leaves nothing waiting for the next one.
   TFinally Drop([this] {
     FRun.Points.clear();
+    FRun.Columns = false;
     FRun.Canvas = nullptr;
     FLabelLift = -1;
   });
@@ -293,6 +294,7 @@ void TKXCustomLineChart::DrawReducedRun(TCanvas* Canvas, const TKXValueSummary& 
   for (size_t K = 1; K < FReduced.size(); ++K) {
     GetPoints(FReduced[K - 1], FReduced[K], Rect, FSegment);
     DrawSegment(Canvas, FSegment, Fill);
+    FRun.Columns = FRun.Columns || !Fill;
   }
   const TPoint End{Map.PX(Summary.X(To)), Map.PY(Summary.Y(To))};
   X = End.X;
@@ -475,9 +477,13 @@ void TKXCustomLineChart::FlushSegments() {
     Pen->SetColor(FRun.Color);
     Pen->SetWidth(FRun.Width);
     Pen->SetStyle(FRun.Style);
-    FRun.Canvas->Polyline(FRun.Points);
+    if (FRun.Columns)
+      FRun.Canvas->ColumnPolyline(FRun.Points);
+    else
+      FRun.Canvas->Polyline(FRun.Points);
   }
   FRun.Points.clear();
+  FRun.Columns = false;
 }
 
 // --- TKXLineChart ---

@@ -89,6 +89,8 @@ private:
     TColor Color = clBlack;
     int32_t Width = 1;
     TPenStyle Style = psSolid;
+    // Part of it was reduced per pixel column: it runs mostly up and down columns.
+    bool Columns = false;
   };
   TStrokeRun FRun;
   // The points of the segment being drawn, kept so that the walk allocates nothing.

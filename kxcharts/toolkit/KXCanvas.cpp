@@ -666,10 +666,15 @@ void TCanvas::Ellipse(int32_t X1, int32_t Y1, int32_t X2, int32_t Y2) {
 // back and the last one in, by just enough that the end cap passes the corner of the end
 // pixel: a line starts with its first pixel and stops before its end point, whatever its
 // slope. Even widths run along pixel edges and cover the half-open span, like FillRect.
-void TCanvas::StrokeOpen(std::span<const TPoint> Points, const TPoint* Extra) {
+void TCanvas::OpenPathVertices(std::span<const TPoint> Points, const TPoint* Extra,
+                               std::vector<TVertex>& Out) const {
+  Out.clear();
   const size_t N = Points.size() + (Extra ? 1 : 0);
-  auto At = [&](size_t I) { return I < Points.size() ? Points[I] : *Extra; };
-  if (N < 2 || !CanPaint() || FPen->Style() == psClear || FPen->Mode() == pmNop) return;
+  auto At = [&](size_t I) {
+    const TPoint P = I < Points.size() ? Points[I] : *Extra;
+    return TPoint{Safe(P.X), Safe(P.Y)};
+  };
+  if (N < 2) return;
   const double Off = EffectivePenWidth() % 2 == 1 ? 0.5 : 0.0;
   auto Step = [](TPoint A, TPoint B, double& Ux, double& Uy) {
     const double Dx = double(B.X) - A.X, Dy = double(B.Y) - A.Y;
@@ -678,29 +683,38 @@ void TCanvas::StrokeOpen(std::span<const TPoint> Points, const TPoint* Extra) {
     Uy = Dy * Scale;
   };
   // Find the first and last points that differ from their neighbours.
-  TPoint P0{Safe(At(0).X), Safe(At(0).Y)};
+  const TPoint P0 = At(0);
   size_t Next = 1;
-  while (Next < N && TPoint{Safe(At(Next).X), Safe(At(Next).Y)} == P0)
+  while (Next < N && At(Next) == P0)
     ++Next;
   if (Next == N) return; // all points coincide: nothing to draw
-  TPoint PLast{Safe(At(N - 1).X), Safe(At(N - 1).Y)};
+  const TPoint PLast = At(N - 1);
   size_t Prev = N - 2;
-  while (TPoint{Safe(At(Prev).X), Safe(At(Prev).Y)} == PLast)
+  while (At(Prev) == PLast)
     --Prev;
-
-  cairo_new_path(FCairo);
   double Ux, Uy;
-  Step(P0, TPoint{Safe(At(Next).X), Safe(At(Next).Y)}, Ux, Uy);
-  cairo_move_to(FCairo, P0.X + Off - Ux * Off, P0.Y + Off - Uy * Off);
+  Step(P0, At(Next), Ux, Uy);
+  Out.push_back({P0.X + Off - Ux * Off, P0.Y + Off - Uy * Off});
   TPoint Last = P0;
   for (size_t I = Next; I + 1 < N; ++I) {
-    const TPoint P{Safe(At(I).X), Safe(At(I).Y)};
+    const TPoint P = At(I);
     if (P == Last) continue;
-    cairo_line_to(FCairo, P.X + Off, P.Y + Off);
+    Out.push_back({P.X + Off, P.Y + Off});
     Last = P;
   }
-  Step(TPoint{Safe(At(Prev).X), Safe(At(Prev).Y)}, PLast, Ux, Uy);
-  cairo_line_to(FCairo, PLast.X + Off - Ux * Off, PLast.Y + Off - Uy * Off);
+  Step(At(Prev), PLast, Ux, Uy);
+  Out.push_back({PLast.X + Off - Ux * Off, PLast.Y + Off - Uy * Off});
+}
+
+void TCanvas::StrokeOpen(std::span<const TPoint> Points, const TPoint* Extra) {
+  if (!CanPaint() || FPen->Style() == psClear || FPen->Mode() == pmNop) return;
+  std::vector<TVertex> V;
+  OpenPathVertices(Points, Extra, V);
+  if (V.empty()) return;
+  cairo_new_path(FCairo);
+  cairo_move_to(FCairo, V[0].X, V[0].Y);
+  for (size_t I = 1; I < V.size(); ++I)
+    cairo_line_to(FCairo, V[I].X, V[I].Y);
   PaintPath(false, true);
 }
 
@@ -713,6 +727,77 @@ void TCanvas::LineTo(int32_t X, int32_t Y) {
 
 void TCanvas::Polyline(std::span<const TPoint> Points) {
   StrokeOpen(Points, nullptr);
+}
+
+void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
+  // Odd pens run on pixel centres, so a box would end half way into a pixel, which the
+  // stroke through it would blend a second time.
+  if (cairo_get_antialias(FCairo) == CAIRO_ANTIALIAS_NONE || RasterMode() ||
+      FPen->Style() != psSolid || FPen->Mode() != pmCopy || EffectivePenWidth() % 2 == 1) {
+    Polyline(Points);
+    return;
+  }
+  if (!CanPaint()) return;
+  std::vector<TVertex> V;
+  OpenPathVertices(Points, nullptr, V);
+  if (V.empty()) return;
+  const double Half = EffectivePenWidth() / 2.0;
+  const auto Vertical = [&](size_t I) { return V[I].X == V[I + 1].X; }; // segment I..I+1
+
+  // The vertical segments, as the pixel columns their boxes cover (their sides fall on pixel
+  // edges: odd pens run on pixel centres) with the rows they span; merged per column, so
+  // that the boxes handed over do not overlap and take the rasterizer's fast path.
+  struct TSpan {
+    int32_t Column;
+    double Top, Bottom;
+  };
+  std::vector<TSpan> Spans;
+  for (size_t I = 0; I + 1 < V.size(); ++I) {
+    if (!Vertical(I)) continue;
+    const double Top = std::min(V[I].Y, V[I + 1].Y), Bottom = std::max(V[I].Y, V[I + 1].Y);
+    const auto First = static_cast<int32_t>(std::lround(V[I].X - Half));
+    const auto End = static_cast<int32_t>(std::lround(V[I].X + Half));
+    for (int32_t C = std::max(First, FClip.Left); C < std::min(End, FClip.Right); ++C)
+      Spans.push_back({C, Top, Bottom});
+  }
+  std::sort(Spans.begin(), Spans.end(), [](const TSpan& A, const TSpan& B) {
+    return A.Column != B.Column ? A.Column < B.Column : A.Top < B.Top;
+  });
+  cairo_new_path(FCairo);
+  for (size_t I = 0; I < Spans.size();) {
+    TSpan S = Spans[I];
+    for (++I; I < Spans.size() && Spans[I].Column == S.Column && Spans[I].Top <= S.Bottom; ++I)
+      S.Bottom = std::max(S.Bottom, Spans[I].Bottom);
+    cairo_rectangle(FCairo, S.Column, S.Top, 1, S.Bottom - S.Top);
+  }
+  PaintPathWith(true, FPen->Color(), bsSolid, false, false);
+
+  // The other segments, in unbroken runs, each led in and out by a pixel of the vertical
+  // segment beside it: the joins there come out as the whole line's would, and the lead
+  // lies inside that segment's box.
+  const auto Lead = [](const TVertex& From, const TVertex& Towards) {
+    const double Dy = Towards.Y - From.Y;
+    return TVertex{From.X, From.Y + std::clamp(Dy, -1.0, 1.0)};
+  };
+  cairo_new_path(FCairo);
+  for (size_t I = 0; I + 1 < V.size();) {
+    if (Vertical(I)) {
+      ++I;
+      continue;
+    }
+    const TVertex In = I > 0 ? Lead(V[I], V[I - 1]) : V[I];
+    cairo_move_to(FCairo, In.X, In.Y);
+    cairo_line_to(FCairo, V[I].X, V[I].Y);
+    while (I + 1 < V.size() && !Vertical(I)) {
+      cairo_line_to(FCairo, V[I + 1].X, V[I + 1].Y);
+      ++I;
+    }
+    if (I + 1 < V.size()) {
+      const TVertex Out = Lead(V[I], V[I + 1]);
+      cairo_line_to(FCairo, Out.X, Out.Y);
+    }
+  }
+  PaintPath(false, true);
 }
 
 void TCanvas::Polygon(std::span<const TPoint> Points) {

@@ -23,22 +23,6 @@ bool Visible(float Opacity) {
   return !std::isnan(Opacity) && Opacity > 0;
 }
 
-// Composites what is drawn in its life with Opacity, and only opens a layer when needed.
-class TOpacity {
-public:
-  TOpacity(TCanvas* Canvas, float Opacity) : FCanvas(Opacity < 1.0f ? Canvas : nullptr) {
-    if (FCanvas) FCanvas->BeginOpacity(Opacity);
-  }
-  ~TOpacity() {
-    if (FCanvas) FCanvas->EndOpacity();
-  }
-  TOpacity(const TOpacity&) = delete;
-  TOpacity& operator=(const TOpacity&) = delete;
-
-private:
-  TCanvas* FCanvas;
-};
-
 void SetColor(cairo_t* Cr, TColor Color) {
   const TColor C = ColorToRGB(Color);
   cairo_set_source_rgb(Cr, GetRValue(C) / 255.0, GetGValue(C) / 255.0, GetBValue(C) / 255.0);
@@ -385,7 +369,7 @@ TRect DrawShape(TCanvas* Canvas, const TRect& R, const TBitmap* Bitmap, TKXShape
   const int32_t Rim = Lit ? RimWidth(B, BevelWidth) : 0;
   const TRect Inner = InnerRect(B, Base, Pen, Rim);
   if (B.IsEmpty() || !Visible(Opacity)) return Inner;
-  TOpacity Layer(Canvas, Opacity);
+  TCanvasOpacity Layer(Canvas, Opacity);
   if (Base == shpImage) {
     const TRect Picture = FitPicture(B, Bitmap->Width(), Bitmap->Height());
     Canvas->StretchDraw(Picture, Bitmap);
@@ -649,7 +633,7 @@ void DrawArrow(TCanvas* Canvas, std::span<const TPoint> Points, int32_t HeadSize
     const TPt D{double(TCanvas::Safe(Q.X)), double(TCanvas::Safe(Q.Y))};
     if (P.empty() || D.X != P.back().X || D.Y != P.back().Y) P.push_back(D);
   }
-  TOpacity Layer(Canvas, Opacity);
+  TCanvasOpacity Layer(Canvas, Opacity);
   cairo_t* Cr = Canvas->Handle();
   const double Shaft = std::max(Canvas->EffectivePenWidth(), std::clamp(ShaftWidth, 0, 10000));
   const double Head = std::clamp(HeadSize, 0, 10000);
@@ -831,7 +815,7 @@ void DrawBezierPolygon(TCanvas* Canvas, std::span<const TPoint> Points, bool Bez
   if (!Visible(Opacity)) return;
   const std::vector<TCubic> Pieces = Cubics(Points, Bezier, Closed, Smoothness);
   if (Pieces.empty()) return;
-  TOpacity Layer(Canvas, Opacity);
+  TCanvasOpacity Layer(Canvas, Opacity);
   cairo_t* Cr = Canvas->Handle();
   auto Trace = [&](double Off) {
     cairo_new_path(Cr);
@@ -901,7 +885,7 @@ void DrawPieSlice(TCanvas* Canvas, const TRect& R, double StartAngle, double End
   if (!Visible(Opacity) || !SliceEllipse(R, Radius, E) ||
       !SliceAngles(StartAngle, EndAngle, Offset, From, Sweep))
     return;
-  TOpacity Layer(Canvas, Opacity);
+  TCanvasOpacity Layer(Canvas, Opacity);
   cairo_t* Cr = Canvas->Handle();
   cairo_new_path(Cr);
   if (Sweep >= 360) {
@@ -929,7 +913,7 @@ void DrawDonutSlice(TCanvas* Canvas, const TRect& R, double StartAngle, double E
       !SliceAngles(StartAngle, EndAngle, Offset, From, Sweep))
     return;
   const double Ratio = Inner / Outer;
-  TOpacity Layer(Canvas, Opacity);
+  TCanvasOpacity Layer(Canvas, Opacity);
   cairo_t* Cr = Canvas->Handle();
   cairo_new_path(Cr);
   if (Sweep >= 360) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -166,6 +167,55 @@ TEST_F(CanvasFixture, PolygonFillsAndOutlinesThroughEveryPoint) {
 }
 
 // --- Pen modes and focus rectangles ---
+
+// A line that runs up and down pixel columns, as a long series reduced per column draws:
+// per column a lead-in from the last one, a span and a way out, with now and then a jump
+// over several columns and a flat stretch. ColumnPolyline must paint what Polyline does:
+// the same pixels without antialiasing and for odd pens, and with it for even pens no
+// channel more than one level off, on at most 1 % of the painted pixels.
+TEST(Canvas, ColumnPolylinePaintsWhatPolylinePaints) {
+  std::mt19937 Random(5);
+  std::uniform_int_distribution<int32_t> Row(5, 75), Jump(0, 9);
+  TCanvasPoints Points{{3, 40}};
+  for (int32_t X = 4; X < 116; ++X) {
+    if (Jump(Random) == 0) X += 3;
+    if (Jump(Random) == 1) {
+      Points.push_back({X, Points.back().Y});
+      continue;
+    }
+    for (int K = 0; K < 4; ++K)
+      Points.push_back({X, Row(Random)});
+  }
+  for (const bool Antialias : {false, true})
+    for (const int32_t Width : {1, 2, 3, 4}) {
+      SCOPED_TRACE(testing::Message() << "width " << Width << (Antialias ? " antialiased" : ""));
+      const auto Paint = [&](bool Columns) {
+        TOwned<TBitmap> B = MakeBitmap(120, 80);
+        TCanvas* C = B->Canvas();
+        if (!Antialias) cairo_set_antialias(C->Handle(), CAIRO_ANTIALIAS_NONE);
+        C->Pen()->SetWidth(Width);
+        C->Pen()->SetColor(clNavy);
+        if (Columns)
+          C->ColumnPolyline(Points);
+        else
+          C->Polyline(Points);
+        return B;
+      };
+      const TOwned<TBitmap> Whole = Paint(false), Columns = Paint(true);
+      int32_t Differ = 0, Worst = 0;
+      for (int32_t Y = 0; Y < 80; ++Y)
+        for (int32_t X = 0; X < 120; ++X) {
+          const TColor A = Whole->Canvas()->Pixel(X, Y), B = Columns->Canvas()->Pixel(X, Y);
+          if (A == B) continue;
+          ++Differ;
+          for (const int Shift : {0, 8, 16})
+            Worst = std::max(Worst, std::abs((int(A) >> Shift & 0xFF) - (int(B) >> Shift & 0xFF)));
+        }
+      const bool Exact = !Antialias || Width % 2 == 1;
+      EXPECT_LE(Worst, Exact ? 0 : 1);
+      EXPECT_LE(Differ, Exact ? 0 : CountPainted(Whole.get()) / 100);
+    }
+}
 
 TEST_F(CanvasFixture, TwoXorLinesRestoreTheBitmapByteForByte) {
   C->Brush()->SetColor(clTeal);
