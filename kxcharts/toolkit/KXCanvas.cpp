@@ -731,9 +731,12 @@ void TCanvas::Polyline(std::span<const TPoint> Points) {
 
 void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   // Odd pens run on pixel centres, so a box would end half way into a pixel, which the
-  // stroke through it would blend a second time.
+  // stroke through it would blend a second time. Boxes are merged per pixel column, which
+  // costs the pen's width per segment: wide pens are left to the stroke.
+  const int32_t Width = EffectivePenWidth();
   if (cairo_get_antialias(FCairo) == CAIRO_ANTIALIAS_NONE || RasterMode() ||
-      FPen->Style() != psSolid || FPen->Mode() != pmCopy || EffectivePenWidth() % 2 == 1) {
+      FPen->Style() != psSolid || FPen->Mode() != pmCopy || Width % 2 == 1 ||
+      Width > MaxColumnPen) {
     Polyline(Points);
     return;
   }
@@ -741,7 +744,7 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   std::vector<TVertex> V;
   OpenPathVertices(Points, nullptr, V);
   if (V.empty()) return;
-  const double Half = EffectivePenWidth() / 2.0;
+  const double Half = Width / 2.0;
   const auto Vertical = [&](size_t I) { return V[I].X == V[I + 1].X; }; // segment I..I+1
 
   // The vertical segments, as the pixel columns their boxes cover (their sides fall on pixel

@@ -132,6 +132,7 @@ public:
   // pixel where a stroked edge ends on a box's partly covered end may blend a little
   // differently.
   void ColumnPolyline(std::span<const TPoint> Points);
+  static constexpr int32_t MaxColumnPen = 16;
   // Filled by the even-odd rule over the pixels whose centres lie inside, outlined through
   // all points (the pen on pixel centres), the first and last joined.
   void Polygon(std::span<const TPoint> Points);
