@@ -732,9 +732,11 @@ void TCanvas::Polyline(std::span<const TPoint> Points) {
 void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   // Odd pens run on pixel centres, so a box would end half way into a pixel, which the
   // stroke through it would blend a second time. Boxes are merged per pixel column, which
-  // costs the pen's width per segment: wide pens are left to the stroke.
+  // costs the pen's width per segment: wide pens are left to the stroke. Files keep the
+  // line one path.
   const int32_t Width = EffectivePenWidth();
-  if (cairo_get_antialias(FCairo) == CAIRO_ANTIALIAS_NONE || RasterMode() ||
+  if (FKind == skSvg || FKind == skPdf || cairo_get_antialias(FCairo) == CAIRO_ANTIALIAS_NONE ||
+      RasterMode() ||
       FPen->Style() != psSolid || FPen->Mode() != pmCopy || Width % 2 == 1 ||
       Width > MaxColumnPen) {
     Polyline(Points);

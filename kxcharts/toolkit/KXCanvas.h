@@ -127,10 +127,9 @@ public:
   // Polyline for a line that mostly runs up and down pixel columns (a long series drawn one
   // column at a time): its vertical segments become whole-pixel boxes, merged per pixel
   // column, and only the others are stroked, with the joins they make with their vertical
-  // neighbours. Far fewer edges reach the rasterizer. The same pixels as Polyline without
-  // antialiasing (it is Polyline then, and for patterned pens and pen modes); with it, a
-  // pixel where a stroked edge ends on a box's partly covered end may blend a little
-  // differently.
+  // neighbours. Far fewer edges reach the rasterizer. It is Polyline without antialiasing,
+  // for odd, wide or patterned pens, pen modes and SVG or PDF files; otherwise a pixel that
+  // the whole stroke covers fully may come out one level lighter.
   void ColumnPolyline(std::span<const TPoint> Points);
   static constexpr int32_t MaxColumnPen = 16;
   // Filled by the even-odd rule over the pixels whose centres lie inside, outlined through
