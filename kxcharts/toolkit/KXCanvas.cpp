@@ -768,39 +768,67 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   std::sort(Spans.begin(), Spans.end(), [](const TSpan& A, const TSpan& B) {
     return A.Column != B.Column ? A.Column < B.Column : A.Top < B.Top;
   });
-  cairo_new_path(FCairo);
+  std::vector<TSpan> Merged;
   for (size_t I = 0; I < Spans.size();) {
     TSpan S = Spans[I];
     for (++I; I < Spans.size() && Spans[I].Column == S.Column && Spans[I].Top <= S.Bottom; ++I)
       S.Bottom = std::max(S.Bottom, Spans[I].Bottom);
-    cairo_rectangle(FCairo, S.Column, S.Top, 1, S.Bottom - S.Top);
+    Merged.push_back(S);
   }
+  cairo_new_path(FCairo);
+  for (const TSpan& S : Merged)
+    cairo_rectangle(FCairo, S.Column, S.Top, 1, S.Bottom - S.Top);
   PaintPathWith(true, FPen->Color(), bsSolid, false, false);
+
+  // Whether the boxes paint every pixel of columns From..To-1 between rows Top and Bottom.
+  const auto Painted = [&](int32_t From, int32_t To, double Top, double Bottom) {
+    auto It = std::lower_bound(Merged.begin(), Merged.end(), From,
+                               [](const TSpan& S, int32_t C) { return S.Column < C; });
+    for (int32_t C = From; C < To; ++C) {
+      bool Inside = false;
+      for (; It != Merged.end() && It->Column == C; ++It)
+        Inside = Inside || (It->Top <= Top && Bottom <= It->Bottom);
+      if (!Inside) return false;
+    }
+    return true;
+  };
 
   // The other segments, in unbroken runs, each led in and out by a pixel of the vertical
   // segment beside it: the joins there come out as the whole line's would, and the lead
-  // lies inside that segment's box.
+  // lies inside that segment's box. A run whose stroke, joins included (a miter reaches
+  // at most twice the half width from its point), lies wholly on painted box pixels would
+  // add nothing: in a dense line that is most of them.
   const auto Lead = [](const TVertex& From, const TVertex& Towards) {
     const double Dy = Towards.Y - From.Y;
     return TVertex{From.X, From.Y + std::clamp(Dy, -1.0, 1.0)};
   };
+  const double Reach = 2 * Half;
+  std::vector<TVertex> Run;
   cairo_new_path(FCairo);
   for (size_t I = 0; I + 1 < V.size();) {
     if (Vertical(I)) {
       ++I;
       continue;
     }
-    const TVertex In = I > 0 ? Lead(V[I], V[I - 1]) : V[I];
-    cairo_move_to(FCairo, In.X, In.Y);
-    cairo_line_to(FCairo, V[I].X, V[I].Y);
+    Run.clear();
+    Run.push_back(I > 0 ? Lead(V[I], V[I - 1]) : V[I]);
+    Run.push_back(V[I]);
     while (I + 1 < V.size() && !Vertical(I)) {
-      cairo_line_to(FCairo, V[I + 1].X, V[I + 1].Y);
+      Run.push_back(V[I + 1]);
       ++I;
     }
-    if (I + 1 < V.size()) {
-      const TVertex Out = Lead(V[I], V[I + 1]);
-      cairo_line_to(FCairo, Out.X, Out.Y);
+    if (I + 1 < V.size()) Run.push_back(Lead(V[I], V[I + 1]));
+    double L = Run[0].X, R = L, T = Run[0].Y, B = T;
+    for (const TVertex& P : Run) {
+      L = std::min(L, P.X), R = std::max(R, P.X);
+      T = std::min(T, P.Y), B = std::max(B, P.Y);
     }
+    if (Painted(static_cast<int32_t>(std::floor(L - Reach)), static_cast<int32_t>(std::ceil(R + Reach)),
+                T - Reach, B + Reach))
+      continue;
+    cairo_move_to(FCairo, Run[0].X, Run[0].Y);
+    for (size_t K = 1; K < Run.size(); ++K)
+      cairo_line_to(FCairo, Run[K].X, Run[K].Y);
   }
   PaintPath(false, true);
 }

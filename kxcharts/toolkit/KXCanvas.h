@@ -129,7 +129,8 @@ public:
   // column, and only the others are stroked, with the joins they make with their vertical
   // neighbours. Far fewer edges reach the rasterizer. It is Polyline without antialiasing,
   // for odd, wide or patterned pens, pen modes and SVG or PDF files; otherwise a pixel that
-  // the whole stroke covers fully may come out one level lighter.
+  // the stroke's edge crosses may come out up to two levels off (Cairo's coverage of a
+  // pixel depends a little on the other edges it rasterizes at the same time).
   void ColumnPolyline(std::span<const TPoint> Points);
   static constexpr int32_t MaxColumnPen = 16;
   // Filled by the even-odd rule over the pixels whose centres lie inside, outlined through
