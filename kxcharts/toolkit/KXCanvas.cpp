@@ -795,9 +795,11 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
 
   // The other segments, in unbroken runs, each led in and out by a pixel of the vertical
   // segment beside it: the joins there come out as the whole line's would, and the lead
-  // lies inside that segment's box. A run whose stroke, joins included (a miter reaches
-  // at most twice the half width from its point), lies wholly on painted box pixels would
-  // add nothing: in a dense line that is most of them.
+  // lies inside that segment's box. A run whose stroke, joins included, lies wholly on
+  // painted box pixels would add nothing: in a dense line that is most of them. A miter
+  // reaches at most twice the half width from its point, and between a vertical segment
+  // and another it ends on the vertical one's edge, so a run of one segment reaches no
+  // further sideways than the half width.
   const auto Lead = [](const TVertex& From, const TVertex& Towards) {
     const double Dy = Towards.Y - From.Y;
     return TVertex{From.X, From.Y + std::clamp(Dy, -1.0, 1.0)};
@@ -813,9 +815,11 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
     Run.clear();
     Run.push_back(I > 0 ? Lead(V[I], V[I - 1]) : V[I]);
     Run.push_back(V[I]);
+    size_t Segments = 0;
     while (I + 1 < V.size() && !Vertical(I)) {
       Run.push_back(V[I + 1]);
       ++I;
+      ++Segments;
     }
     if (I + 1 < V.size()) Run.push_back(Lead(V[I], V[I + 1]));
     double L = Run[0].X, R = L, T = Run[0].Y, B = T;
@@ -823,8 +827,9 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
       L = std::min(L, P.X), R = std::max(R, P.X);
       T = std::min(T, P.Y), B = std::max(B, P.Y);
     }
-    if (Painted(static_cast<int32_t>(std::floor(L - Reach)), static_cast<int32_t>(std::ceil(R + Reach)),
-                T - Reach, B + Reach))
+    const double Sideways = Segments == 1 ? Half : Reach;
+    if (Painted(static_cast<int32_t>(std::floor(L - Sideways)),
+                static_cast<int32_t>(std::ceil(R + Sideways)), T - Reach, B + Reach))
       continue;
     cairo_move_to(FCairo, Run[0].X, Run[0].Y);
     for (size_t K = 1; K < Run.size(); ++K)
