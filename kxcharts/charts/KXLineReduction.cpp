@@ -18,20 +18,42 @@ void Push(TCanvasPoints& Points, TPoint P) {
   if (Points.empty() || Points.back() != P) Points.push_back(P);
 }
 
-// The last index in I..To whose X lands in column Px (I's own); a gallop, then halving.
+// The last index in I..To whose X lands in column Px (I's own). The values of a series are
+// spread about evenly, so the column ends near Guess (where the previous column's width
+// would end it): a gallop out from there brackets the end, and halving finds it. A good
+// guess reads two neighbouring Xs, where a gallop from I would reach across the column
+// and miss the cache at every step.
 int32_t LastInColumn(const TKXValueSummary& S, const TKXPixelMap& Map, int32_t I, int32_t To,
-                     int32_t Px) {
-  int32_t In = I, Step = 1;
-  while (true) {
-    const int64_t Next = int64_t(In) + Step;
-    if (Next > To || Map.PX(S.X(static_cast<int32_t>(Next))) != Px) break;
-    In = static_cast<int32_t>(Next);
-    Step *= 2;
+                     int32_t Px, int32_t Guess) {
+  const auto InColumn = [&](int32_t K) { return Map.PX(S.X(K)) == Px; };
+  int32_t In = I, Out = To + 1;
+  const int32_t G = std::clamp(Guess, I, To);
+  if (InColumn(G)) {
+    In = G;
+    for (int64_t Step = 1;; Step *= 2) {
+      const int64_t Next = int64_t(In) + Step;
+      if (Next > To) break;
+      if (!InColumn(static_cast<int32_t>(Next))) {
+        Out = static_cast<int32_t>(Next);
+        break;
+      }
+      In = static_cast<int32_t>(Next);
+    }
+  } else {
+    Out = G;
+    for (int64_t Step = 1;; Step *= 2) {
+      const int64_t Next = int64_t(Out) - Step;
+      if (Next <= I) break;
+      if (InColumn(static_cast<int32_t>(Next))) {
+        In = static_cast<int32_t>(Next);
+        break;
+      }
+      Out = static_cast<int32_t>(Next);
+    }
   }
-  int32_t Out = static_cast<int32_t>(std::min<int64_t>(int64_t(In) + Step, int64_t(To) + 1));
   while (Out - In > 1) {
     const int32_t Mid = In + (Out - In) / 2;
-    if (Map.PX(S.X(Mid)) == Px)
+    if (InColumn(Mid))
       In = Mid;
     else
       Out = Mid;
@@ -103,9 +125,11 @@ int32_t TKXPixelMap::PY(double Y) const {
 
 void ReduceLineRun(const TKXValueSummary& Summary, int32_t From, int32_t To, const TKXPixelMap& Map,
                    TCanvasPoints& Points) {
+  int32_t Width = 1; // values in the previous column
   for (int32_t I = From; I <= To;) {
     const int32_t Px = Map.PX(Summary.X(I));
-    const int32_t K = LastInColumn(Summary, Map, I, To, Px);
+    const int32_t K = LastInColumn(Summary, Map, I, To, Px, I + Width - 1);
+    Width = K - I + 1;
     if (K - I < SmallColumn) {
       for (int32_t J = I; J <= K; ++J)
         Push(Points, {Px, Map.PY(Summary.Y(J))});
