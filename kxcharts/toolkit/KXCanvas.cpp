@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <string>
+#include <unordered_map>
 
 #include "kxcharts/toolkit/KXBitmap.h"
 
@@ -146,6 +148,13 @@ struct TCanvas::TTextState {
   bool FontUnderline = false;
   bool FontStrikeOut = false;
   bool HasAttributes = false;
+  // What of the font decides a text's size: a font assigned again with the same values
+  // keeps its description, and the sizes measured with it.
+  std::string FontKey;
+  // Sizes of texts measured by TextExtent, by FontKey and text: axes and legends measure
+  // the same labels on every paint. Emptied when it grows past MaxExtents.
+  std::unordered_map<std::string, TSize> Extents;
+  static constexpr size_t MaxExtents = 4096;
 
   ~TTextState() {
     if (Layout) g_object_unref(Layout);
@@ -171,6 +180,10 @@ TCanvas::TTextState& TCanvas::Text() {
   TTextState& T = *FText;
   if (T.FontRevision != FFont->Revision()) {
     T.FontRevision = FFont->Revision();
+    const std::string Key = FFont->Name() + '\x1f' + std::to_string(FFont->Height()) + '\x1f' +
+                            std::to_string(FFont->Style().Bits());
+    if (T.Desc && Key == T.FontKey) return T;
+    T.FontKey = Key;
     if (T.Desc) pango_font_description_free(T.Desc);
     T.Desc = pango_font_description_new();
     pango_font_description_set_family(T.Desc, FFont->Name().c_str());
@@ -962,7 +975,15 @@ void TCanvas::PaintLayout(int32_t X, int32_t Y, const TRect* Background) {
 }
 
 TSize TCanvas::TextExtent(std::string_view Source) {
-  return LayoutText(Source, TTextLayout{});
+  TTextState& T = Text();
+  std::string Key = T.FontKey;
+  Key += '\0';
+  Key.append(Source);
+  if (const auto It = T.Extents.find(Key); It != T.Extents.end()) return It->second;
+  const TSize Size = LayoutText(Source, TTextLayout{});
+  if (T.Extents.size() >= TTextState::MaxExtents) T.Extents.clear();
+  T.Extents.emplace(std::move(Key), Size);
+  return Size;
 }
 
 void TCanvas::DrawText(int32_t X, int32_t Y, std::string_view Source, const TRect* ClipTo) {

@@ -378,6 +378,21 @@ TEST_F(CanvasFixture, TextExtentsGrowWithFontSize) {
   }
   EXPECT_EQ(C->TextExtent(""), (TSize{0, 0}));
   EXPECT_GT(C->TextWidth("WW"), C->TextWidth("W"));
+  // Sizes are remembered per font: every change of what decides them measures anew, and
+  // going back gives the first size again, as a fresh canvas measures it.
+  C->Font()->SetSize(12);
+  const std::string Family = C->Font()->Name();
+  const TSize Plain = C->TextExtent("Revenue 2024");
+  C->Font()->SetStyle({fsBold});
+  EXPECT_GT(C->TextExtent("Revenue 2024").cx, Plain.cx);
+  C->Font()->SetStyle({});
+  C->Font()->SetName("DejaVu Serif");
+  EXPECT_NE(C->TextExtent("Revenue 2024"), Plain);
+  C->Font()->SetName(Family);
+  EXPECT_EQ(C->TextExtent("Revenue 2024"), Plain);
+  const TOwned<TBitmap> Fresh = MakeBitmap(10, 10);
+  Fresh->Canvas()->SetFont(C->Font());
+  EXPECT_EQ(Fresh->Canvas()->TextExtent("Revenue 2024"), Plain);
 }
 
 TEST_F(CanvasFixture, TextPaintsInsideItsMeasuredBoxAndMovesThePen) {
