@@ -425,44 +425,98 @@ bool TCanvas::SetBrushSource(TColor BrushColor, TBrushStyle Style) {
   return true;
 }
 
-void TCanvas::SetPenStroke() {
-  const double W = EffectivePenWidth();
-  cairo_set_line_width(FCairo, W);
+namespace {
+// The on and off lengths of a pen style's pattern for a one-pixel pen; empty when solid.
+std::span<const double> DashPattern(TPenStyle Style) {
   static const double Dash[] = {18, 6};
   static const double Dot[] = {3, 3};
   static const double DashDot[] = {9, 6, 3, 6};
   static const double DashDotDot[] = {9, 3, 3, 3, 3, 3};
   static const double Alternate[] = {1, 1};
-  const double* Pattern = nullptr;
-  int Count = 0;
-  switch (FPen->Style()) {
+  switch (Style) {
   case psDash:
-    Pattern = Dash, Count = 2;
-    break;
+    return Dash;
   case psDot:
-    Pattern = Dot, Count = 2;
-    break;
+    return Dot;
   case psDashDot:
-    Pattern = DashDot, Count = 4;
-    break;
+    return DashDot;
   case psDashDotDot:
-    Pattern = DashDotDot, Count = 6;
-    break;
+    return DashDotDot;
   case psAlternate:
-    Pattern = Alternate, Count = 2;
-    break;
+    return Alternate;
   default:
-    break;
+    return {};
   }
-  if (Pattern) {
+}
+} // namespace
+
+void TCanvas::SetPenStroke() {
+  const double W = EffectivePenWidth();
+  cairo_set_line_width(FCairo, W);
+  const std::span<const double> Pattern = DashPattern(FPen->Style());
+  if (!Pattern.empty()) {
     // Wide pens keep the pattern's proportions.
     double Scaled[6];
-    for (int I = 0; I < Count; ++I)
+    for (size_t I = 0; I < Pattern.size(); ++I)
       Scaled[I] = Pattern[I] * W;
-    cairo_set_dash(FCairo, Scaled, Count, 0);
+    cairo_set_dash(FCairo, Scaled, static_cast<int>(Pattern.size()), 0);
   } else {
     cairo_set_dash(FCairo, nullptr, 0, 0);
   }
+}
+
+bool TCanvas::PatternedPixelLine(const TVertex& From, const TVertex& To) {
+  const std::span<const double> Pattern = DashPattern(FPen->Style());
+  if (Pattern.empty() || EffectivePenWidth() != 1 || FPen->Mode() != pmCopy || RasterMode() ||
+      FKind == skSvg || FKind == skPdf || (From.X != To.X && From.Y != To.Y))
+    return false;
+  // The pattern as one period of pixels, laid along the line from its start: a dash of a
+  // one-pixel pen across pixel edges covers whole pixels, so the pixels are those of the
+  // dashed stroke, and one fill of a repeating source replaces a stroke per dash.
+  int32_t Period = 0;
+  for (const double Length : Pattern)
+    Period += static_cast<int32_t>(Length);
+  const bool Horizontal = From.Y == To.Y;
+  const double Along = Horizontal ? To.X - From.X : To.Y - From.Y;
+  const bool Backwards = Along < 0;
+  cairo_surface_t* Tile = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, Horizontal ? Period : 1,
+                                                     Horizontal ? 1 : Period);
+  cairo_t* Cr = cairo_create(Tile);
+  const TColor C = ColorToRGB(FPen->Color());
+  cairo_set_source_rgb(Cr, GetRValue(C) / 255.0, GetGValue(C) / 255.0, GetBValue(C) / 255.0);
+  int32_t At = 0;
+  for (size_t I = 0; I < Pattern.size(); I += 2) {
+    const auto On = static_cast<int32_t>(Pattern[I]);
+    // Backwards, the pixel at distance t from the start sits at Period - 1 - t of the tile.
+    const int32_t Start = Backwards ? Period - At - On : At;
+    cairo_rectangle(Cr, Horizontal ? Start : 0, Horizontal ? 0 : Start, Horizontal ? On : 1,
+                    Horizontal ? 1 : On);
+    At += On + static_cast<int32_t>(Pattern[I + 1]);
+  }
+  cairo_fill(Cr);
+  cairo_destroy(Cr);
+  cairo_pattern_t* Source = cairo_pattern_create_for_surface(Tile);
+  cairo_surface_destroy(Tile);
+  cairo_pattern_set_extend(Source, CAIRO_EXTEND_REPEAT);
+  // The tile repeats from the line's start (backwards, its last pixel ends there).
+  const double Shift = Horizontal ? From.X : From.Y;
+  cairo_matrix_t M;
+  cairo_matrix_init_translate(&M, Horizontal ? -Shift : -(From.X - 0.5),
+                              Horizontal ? -(From.Y - 0.5) : -Shift);
+  cairo_pattern_set_matrix(Source, &M);
+  cairo_save(FCairo);
+  cairo_set_source(FCairo, Source);
+  cairo_pattern_destroy(Source);
+  cairo_new_path(FCairo);
+  const double Lo = std::min(Horizontal ? From.X : From.Y, Horizontal ? To.X : To.Y);
+  const double Length = std::abs(Along);
+  if (Horizontal)
+    cairo_rectangle(FCairo, Lo, From.Y - 0.5, Length, 1);
+  else
+    cairo_rectangle(FCairo, From.X - 0.5, Lo, 1, Length);
+  cairo_fill(FCairo);
+  cairo_restore(FCairo);
+  return true;
 }
 
 bool TCanvas::ApplyPen() {
@@ -724,6 +778,7 @@ void TCanvas::StrokeOpen(std::span<const TPoint> Points, const TPoint* Extra) {
   std::vector<TVertex> V;
   OpenPathVertices(Points, Extra, V);
   if (V.empty()) return;
+  if (V.size() == 2 && PatternedPixelLine(V[0], V[1])) return;
   cairo_new_path(FCairo);
   cairo_move_to(FCairo, V[0].X, V[0].Y);
   for (size_t I = 1; I < V.size(); ++I)

@@ -227,6 +227,9 @@ private:
   };
   void OpenPathVertices(std::span<const TPoint> Points, const TPoint* Extra,
                         std::vector<TVertex>& Out) const;
+  // Paints the line From..To of a one-pixel patterned pen along a row or a column (the
+  // grid of every chart) as one fill; false, painting nothing, for any other line.
+  bool PatternedPixelLine(const TVertex& From, const TVertex& To);
   void DrawText(int32_t X, int32_t Y, std::string_view Text, const TRect* ClipTo);
   TTextState& Text();
 

@@ -157,6 +157,43 @@ TEST_F(CanvasFixture, WidePensAndDashesStayOnTheirRows) {
   EXPECT_EQ(CountPainted(B.get()), 30);
 }
 
+// A one-pixel patterned line along a row or a column is painted as one fill of its pattern;
+// a polyline through a point in its middle is stroked dash by dash. Both must give the same
+// pixels, for every pattern, both ways along both axes, with and without antialiasing.
+TEST(Canvas, PatternedRowsAndColumnsPaintTheirDashes) {
+  struct TLine {
+    TPoint From, To;
+  };
+  const TLine Lines[] = {{{3, 5}, {50, 5}},  {{50, 9}, {4, 9}},   {{7, 2}, {7, 37}},
+                         {{12, 38}, {12, 1}}, {{20, 20}, {21, 20}}, {{30, 14}, {30, 15}}};
+  for (const TPenStyle Style : {psDash, psDot, psDashDot, psDashDotDot, psAlternate})
+    for (const bool Antialias : {true, false})
+      for (const TLine& L : Lines) {
+        SCOPED_TRACE(testing::Message() << "style " << int(Style) << " from " << L.From.X << ","
+                                        << L.From.Y << " to " << L.To.X << "," << L.To.Y
+                                        << (Antialias ? " antialiased" : ""));
+        const auto Paint = [&](bool Split) {
+          TOwned<TBitmap> B = MakeBitmap(60, 40);
+          TCanvas* C = B->Canvas();
+          if (!Antialias) cairo_set_antialias(C->Handle(), CAIRO_ANTIALIAS_NONE);
+          C->Pen()->SetStyle(Style);
+          C->Pen()->SetColor(clMaroon);
+          if (Split) {
+            const TPoint Mid{(L.From.X + L.To.X) / 2, (L.From.Y + L.To.Y) / 2};
+            const TPoint Through[] = {L.From, Mid, L.To};
+            C->Polyline(Through);
+          } else {
+            C->MoveTo(L.From.X, L.From.Y);
+            C->LineTo(L.To.X, L.To.Y);
+          }
+          return B;
+        };
+        const TOwned<TBitmap> Filled = Paint(false), Stroked = Paint(true);
+        ASSERT_GT(CountPainted(Stroked.get()), 0);
+        EXPECT_EQ(PixelBytes(Filled.get()), PixelBytes(Stroked.get()));
+      }
+}
+
 TEST_F(CanvasFixture, PolygonFillsAndOutlinesThroughEveryPoint) {
   C->Brush()->SetColor(clYellow);
   const TPoint Square[] = {{10, 10}, {20, 10}, {20, 20}, {10, 20}};
