@@ -574,7 +574,7 @@ void TWinControl::PaintArea(const TRect& Area) {
   {
     TCanvasClip Clip(FCanvas.get(), Area);
     FCanvas->SetBrush(FBrush.get());
-    FCanvas->FillRect(Area);
+    if (!PaintsWholeClient()) FCanvas->FillRect(Area);
     Paint();
   }
   // A handler may take controls away while others paint: walk a copy, and skip the gone.

@@ -424,6 +424,9 @@ public:
   // Paints the window itself on Canvas. The base does nothing beyond the background fill
   // that comes before it. Overrides call the inherited one first.
   virtual void Paint() {}
+  // Whether Paint covers every pixel of the client area, so that the background fill
+  // before it would be painted over whole and is left out. The base says no.
+  virtual bool PaintsWholeClient() const { return false; }
   // Shrinks Rect from the client rectangle to the area in which aligned controls are laid
   // out. The base leaves it as it is.
   virtual void AdjustClientRect(TRect& Rect) const;
@@ -512,6 +515,8 @@ public:
 
   // The frame, the face in Color, and the caption in Font within the face.
   void Paint() override;
+  // The frame and the face cover the client area.
+  bool PaintsWholeClient() const override { return true; }
   // Insets by FrameWidth on each side.
   void AdjustClientRect(TRect& Rect) const override;
 

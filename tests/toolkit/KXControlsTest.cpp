@@ -92,6 +92,13 @@ TEST_P(PanelFrame, ClientRectOfAlignedControlsIsInsetByTheWholeFrame) {
   Box->SetParent(P.get());
   Box->SetAlign(alClient);
   EXPECT_EQ(Box->BoundsRect(), R);
+  // A panel's paint covers all of it (so its window is not erased first): nothing of what
+  // lay there before shows through any frame.
+  P->Repaint();
+  P->Canvas()->Brush()->SetColor(clLime);
+  P->Canvas()->FillRect(P->ClientRect());
+  P->Repaint();
+  EXPECT_EQ(test::CountPixels(P->Bitmap(), [](TColor C) { return C == clLime; }), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Frames, PanelFrame,
