@@ -324,8 +324,10 @@ TRect TKXChartAxis::DrawLabels(TCanvas* Canvas, TRect ARect) {
   const int32_t LabelHeight = Canvas->TextHeight("A");
   const TAlignment Align = FLabels->Alignment();
   std::optional<TCanvasOpacity> Layer;
-  if (FIsDrawing) Layer.emplace(Canvas, FLabels->Opacity());
-  if (FIsDrawing) Canvas->Brush()->SetStyle(bsClear);
+  if (FIsDrawing) {
+    Layer.emplace(Canvas, FLabels->Opacity());
+    Canvas->Brush()->SetStyle(bsClear);
+  }
   while (FZoomMinimum <= V && V <= FZoomMaximum) {
     const std::string Text = Captions ? Active->GetAxisCaption(this, Index, V) : FormatValue(V);
     TSize Size = Canvas->TextExtent(Text);

@@ -276,8 +276,8 @@ bool TKXCustomLineChart::CanReduce(const TCanvas* Canvas, bool Shadow) const {
   const TPenStyle Style = Canvas->Pen()->Style();
   return FReducedDrawing && !FCloseLine && (Shadow || !FOptions.Contains(coValueLabels)) &&
          Canvas->Pen()->Mode() == pmCopy &&
-         (Style == psSolid || Style == psClear || Style == psInsideFrame) && V->Sorted() && V->SortByDimension() == V->XDim() &&
-         FLastIndex - FFirstIndex >= MinReducedRun;
+         (Style == psSolid || Style == psClear || Style == psInsideFrame) && V->Sorted() &&
+         V->SortByDimension() == V->XDim() && FLastIndex - FFirstIndex >= MinReducedRun;
 }
 
 void TKXCustomLineChart::DrawReducedRun(TCanvas* Canvas, const TKXValueSummary& Summary,

@@ -393,9 +393,13 @@ int32_t TCanvas::EffectivePenWidth() const {
   return std::max(1, FPen->Width());
 }
 
-void TCanvas::SetSourceColor(TColor Color) {
+void SetSourceColor(cairo_t* Cr, TColor Color) {
   const TColor C = ColorToRGB(Color);
-  cairo_set_source_rgb(FCairo, GetRValue(C) / 255.0, GetGValue(C) / 255.0, GetBValue(C) / 255.0);
+  cairo_set_source_rgb(Cr, GetRValue(C) / 255.0, GetGValue(C) / 255.0, GetBValue(C) / 255.0);
+}
+
+void TCanvas::SetSourceColor(TColor Color) {
+  kx::SetSourceColor(FCairo, Color);
 }
 
 // The colour a pen mode paints with where it cannot read the pixels below.
@@ -482,8 +486,7 @@ bool TCanvas::PatternedPixelLine(const TVertex& From, const TVertex& To) {
   cairo_surface_t* Tile = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, Horizontal ? Period : 1,
                                                      Horizontal ? 1 : Period);
   cairo_t* Cr = cairo_create(Tile);
-  const TColor C = ColorToRGB(FPen->Color());
-  cairo_set_source_rgb(Cr, GetRValue(C) / 255.0, GetGValue(C) / 255.0, GetBValue(C) / 255.0);
+  kx::SetSourceColor(Cr, FPen->Color());
   int32_t At = 0;
   for (size_t I = 0; I < Pattern.size(); I += 2) {
     const auto On = static_cast<int32_t>(Pattern[I]);
@@ -796,6 +799,9 @@ void TCanvas::LineTo(int32_t X, int32_t Y) {
 void TCanvas::Polyline(std::span<const TPoint> Points) {
   StrokeOpen(Points, nullptr);
 }
+
+// The widest pen whose boxes ColumnPolyline merges per pixel column.
+constexpr int32_t MaxColumnPen = 16;
 
 void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   // Odd pens run on pixel centres, so a box would end half way into a pixel, which the

@@ -132,7 +132,6 @@ public:
   // the stroke's edge crosses may come out up to two levels off (Cairo's coverage of a
   // pixel depends a little on the other edges it rasterizes at the same time).
   void ColumnPolyline(std::span<const TPoint> Points);
-  static constexpr int32_t MaxColumnPen = 16;
   // Filled by the even-odd rule over the pixels whose centres lie inside, outlined through
   // all points (the pen on pixel centres), the first and last joined.
   void Polygon(std::span<const TPoint> Points);
@@ -255,6 +254,9 @@ private:
   friend TOwned<TCanvas> CreateSvgCanvas(const std::string&, int32_t, int32_t);
   friend TOwned<TCanvas> CreatePdfCanvas(const std::string&, int32_t, int32_t);
 };
+
+// Makes Color (system colours resolved) the source of Cr: the one way a TColor reaches Cairo.
+void SetSourceColor(cairo_t* Cr, TColor Color);
 
 // Restricts a canvas to R for the life of the object, also when an exception passes.
 class TCanvasClip {

@@ -23,10 +23,6 @@ bool Visible(float Opacity) {
   return !std::isnan(Opacity) && Opacity > 0;
 }
 
-void SetColor(cairo_t* Cr, TColor Color) {
-  const TColor C = ColorToRGB(Color);
-  cairo_set_source_rgb(Cr, GetRValue(C) / 255.0, GetGValue(C) / 255.0, GetBValue(C) / 255.0);
-}
 
 int32_t PenWidthOf(const TCanvas* Canvas) {
   return Canvas->Pen()->Style() == psClear ? 0 : Canvas->EffectivePenWidth();
@@ -296,7 +292,7 @@ void DrawRim(cairo_t* Cr, bool Raster, const std::vector<TPt>& P, double D, TCol
     // The outward normal against the light from the top left: 1 faces it, -1 turns away.
     const double Facing = (Normal[I].X + Normal[I].Y) / std::sqrt(2.0);
     const double T = std::clamp((1 - Facing / std::sqrt(0.5)) / 2, 0.0, 1.0);
-    SetColor(Cr, InterpolateColor(Light, Dark, T));
+    SetSourceColor(Cr, InterpolateColor(Light, Dark, T));
     cairo_new_path(Cr);
     cairo_move_to(Cr, P[I].X, P[I].Y);
     cairo_line_to(Cr, P[J].X, P[J].Y);
