@@ -109,8 +109,7 @@ protected:
       Chart->HorizontalAxis()->SetZoomMinimum(Mid - Half);
       Chart->HorizontalAxis()->SetZoomMaximum(Mid + Half);
     }
-    TOwned<TBitmap> B = MakeBitmap(C.Width, C.Height);
-    if (!C.Antialias) cairo_set_antialias(B->Canvas()->Handle(), CAIRO_ANTIALIAS_NONE);
+    TOwned<TBitmap> B = MakeBitmap(C.Width, C.Height, C.Antialias);
     Log->Clear();
     Chart->Draw(B->Canvas(), {0, 0, C.Width, C.Height});
     Segments = Log->Segments.size();
@@ -137,21 +136,11 @@ TEST_P(ReducedDrawing, GivesThePictureOfEverySegment) {
   }
   const int32_t Painted = CountPainted(Full.get());
   ASSERT_GT(Painted, C.Width); // a line across the picture at the least
-  int32_t Differ = 0, Worst = 0;
-  TPoint First{-1, -1};
-  for (int32_t Y = 0; Y < C.Height; ++Y)
-    for (int32_t X = 0; X < C.Width; ++X) {
-      const TColor A = Full->Canvas()->Pixel(X, Y), B = Reduced->Canvas()->Pixel(X, Y);
-      if (A == B) continue;
-      if (Differ++ == 0) First = {X, Y};
-      Worst = std::max({Worst, std::abs(int(GetRValue(A)) - int(GetRValue(B))),
-                        std::abs(int(GetGValue(A)) - int(GetGValue(B))),
-                        std::abs(int(GetBValue(A)) - int(GetBValue(B)))});
-    }
+  const test::TPictureDifference D = test::ComparePictures(Full.get(), Reduced.get());
   const int ChannelTolerance = !C.Antialias ? 0 : C.Area ? AntialiasChannelTolerance : 2;
   const double PixelShare = !C.Antialias ? 0 : C.Area ? AntialiasPixelShare : 0.01;
-  EXPECT_LE(Worst, ChannelTolerance) << "first at " << First.X << "," << First.Y;
-  EXPECT_LE(Differ, Painted * PixelShare) << "of " << Painted;
+  EXPECT_LE(D.Worst, ChannelTolerance) << "first at " << D.First.X << "," << D.First.Y;
+  EXPECT_LE(D.Pixels, Painted * PixelShare) << "of " << Painted;
 }
 
 std::vector<TReduceCase> ReduceCases() {

@@ -14,6 +14,26 @@ TOwned<TBitmap> MakeBitmap(int32_t W, int32_t H, TColor Background) {
   return B;
 }
 
+TOwned<TBitmap> MakeBitmap(int32_t W, int32_t H, bool Antialias) {
+  TOwned<TBitmap> B = MakeBitmap(W, H);
+  if (!Antialias) cairo_set_antialias(B->Canvas()->Handle(), CAIRO_ANTIALIAS_NONE);
+  return B;
+}
+
+TPictureDifference ComparePictures(const TBitmap* A, const TBitmap* B) {
+  TPictureDifference D;
+  for (int32_t Y = 0; Y < A->Height(); ++Y)
+    for (int32_t X = 0; X < A->Width(); ++X) {
+      const TColor P = A->Canvas()->Pixel(X, Y), Q = B->Canvas()->Pixel(X, Y);
+      if (P == Q) continue;
+      if (D.Pixels++ == 0) D.First = {X, Y};
+      D.Worst = std::max({D.Worst, std::abs(int(GetRValue(P)) - int(GetRValue(Q))),
+                          std::abs(int(GetGValue(P)) - int(GetGValue(Q))),
+                          std::abs(int(GetBValue(P)) - int(GetBValue(Q)))});
+    }
+  return D;
+}
+
 std::vector<uint8_t> PixelBytes(const TBitmap* Bitmap) {
   cairo_surface_t* S = Bitmap->Surface();
   cairo_surface_flush(S);

@@ -28,6 +28,17 @@ namespace kx::test {
 
 // A bitmap of W x H filled with Background.
 TOwned<TBitmap> MakeBitmap(int32_t W, int32_t H, TColor Background = clWhite);
+// A white bitmap of W x H whose canvas draws with or without antialiasing.
+TOwned<TBitmap> MakeBitmap(int32_t W, int32_t H, bool Antialias);
+
+// How two pictures of one size differ: the pixels that differ, the largest difference in
+// any channel of any of them, and the first of them (row by row).
+struct TPictureDifference {
+  int32_t Pixels = 0;
+  int Worst = 0;
+  TPoint First{-1, -1};
+};
+TPictureDifference ComparePictures(const TBitmap* A, const TBitmap* B);
 
 // The raw bytes of the pixels, for byte-for-byte comparisons.
 std::vector<uint8_t> PixelBytes(const TBitmap* Bitmap);
