@@ -800,14 +800,14 @@ void TCanvas::Polyline(std::span<const TPoint> Points) {
   StrokeOpen(Points, nullptr);
 }
 
-// The widest pen whose boxes ColumnPolyline merges per pixel column.
+// The widest pen that ColumnPolyline paints as boxes.
 constexpr int32_t MaxColumnPen = 16;
 
 void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   // Odd pens run on pixel centres, so a box would end half way into a pixel, which the
-  // stroke through it would blend a second time. Boxes are merged per pixel column, which
-  // costs the pen's width per segment: wide pens are left to the stroke. Files keep the
-  // line one path.
+  // stroke through it would blend a second time. The test whether a stroke would add
+  // anything reads every box within the half width, in every column the stroke covers:
+  // wide pens are left to the stroke. Files keep the line one path.
   const int32_t Width = EffectivePenWidth();
   if (FKind == skSvg || FKind == skPdf || cairo_get_antialias(FCairo) == CAIRO_ANTIALIAS_NONE ||
       RasterMode() ||
@@ -823,46 +823,54 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   const double Half = Width / 2.0;
   const auto Vertical = [&](size_t I) { return V[I].X == V[I + 1].X; }; // segment I..I+1
 
-  // The vertical segments, as the pixel columns their boxes cover (their sides fall on pixel
-  // edges: odd pens run on pixel centres) with the rows they span; merged per column, so
-  // that the boxes handed over do not overlap and take the rasterizer's fast path.
-  struct TSpan {
-    int32_t Column;
-    double Top, Bottom;
+  // Even pens run along pixel edges, so the box of a vertical segment has whole pixels. A
+  // chain of vertical segments on one X (a column of the reduced line) is one box.
+  const auto H = static_cast<int32_t>(Width / 2);
+  struct TChain {
+    double X, Top, Bottom;
   };
-  std::vector<TSpan> Spans;
-  for (size_t I = 0; I + 1 < V.size(); ++I) {
-    if (!Vertical(I)) continue;
-    const double Top = std::min(V[I].Y, V[I + 1].Y), Bottom = std::max(V[I].Y, V[I + 1].Y);
-    const auto First = static_cast<int32_t>(std::lround(V[I].X - Half));
-    const auto End = static_cast<int32_t>(std::lround(V[I].X + Half));
-    for (int32_t C = std::max(First, FClip.Left); C < std::min(End, FClip.Right); ++C)
-      Spans.push_back({C, Top, Bottom});
+  std::vector<TChain> Chains;
+  for (size_t I = 0; I + 1 < V.size();) {
+    if (!Vertical(I)) {
+      ++I;
+      continue;
+    }
+    TChain C{V[I].X, V[I].Y, V[I].Y};
+    for (; I + 1 < V.size() && Vertical(I); ++I) {
+      C.Top = std::min(C.Top, V[I + 1].Y);
+      C.Bottom = std::max(C.Bottom, V[I + 1].Y);
+    }
+    Chains.push_back(C);
   }
-  std::sort(Spans.begin(), Spans.end(), [](const TSpan& A, const TSpan& B) {
-    return A.Column != B.Column ? A.Column < B.Column : A.Top < B.Top;
-  });
-  std::vector<TSpan> Merged;
-  for (size_t I = 0; I < Spans.size();) {
-    TSpan S = Spans[I];
-    for (++I; I < Spans.size() && Spans[I].Column == S.Column && Spans[I].Top <= S.Bottom; ++I)
-      S.Bottom = std::max(S.Bottom, Spans[I].Bottom);
-    Merged.push_back(S);
+  const auto ByX = [](const TChain& A, const TChain& B) { return A.X < B.X; };
+  if (!std::is_sorted(Chains.begin(), Chains.end(), ByX))
+    std::stable_sort(Chains.begin(), Chains.end(), ByX);
+  std::vector<TRect> Boxes;
+  Boxes.reserve(Chains.size() + Chains.size() / 2);
+  for (const TChain& C : Chains) {
+    const auto X = static_cast<int32_t>(C.X);
+    Boxes.push_back({X - H, static_cast<int32_t>(C.Top), X + H, static_cast<int32_t>(C.Bottom)});
   }
-  cairo_new_path(FCairo);
-  for (const TSpan& S : Merged)
-    cairo_rectangle(FCairo, S.Column, S.Top, 1, S.Bottom - S.Top);
-  PaintPathWith(true, FPen->Color(), bsSolid, false, false);
 
-  // Whether the boxes paint every pixel of columns From..To-1 between rows Top and Bottom.
+  // Whether the boxes paint every pixel of columns From..To-1 between rows Top and Bottom:
+  // in each column, the boxes of the chains within the half width, joined end to end.
+  std::vector<const TChain*> Near;
   const auto Painted = [&](int32_t From, int32_t To, double Top, double Bottom) {
-    auto It = std::lower_bound(Merged.begin(), Merged.end(), From,
-                               [](const TSpan& S, int32_t C) { return S.Column < C; });
     for (int32_t C = From; C < To; ++C) {
-      bool Inside = false;
-      for (; It != Merged.end() && It->Column == C; ++It)
-        Inside = Inside || (It->Top <= Top && Bottom <= It->Bottom);
-      if (!Inside) return false;
+      Near.clear();
+      for (auto It = std::lower_bound(Chains.begin(), Chains.end(), TChain{C - Half + 1, 0, 0}, ByX);
+           It != Chains.end() && It->X <= C + Half; ++It)
+        Near.push_back(&*It);
+      double Reached = Top;
+      for (bool Grew = true; Grew && Reached < Bottom;) {
+        Grew = false;
+        for (const TChain* N : Near)
+          if (N->Top <= Reached && N->Bottom > Reached) {
+            Reached = N->Bottom;
+            Grew = true;
+          }
+      }
+      if (Reached < Bottom) return false;
     }
     return true;
   };
@@ -879,6 +887,23 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
     return TVertex{From.X, From.Y + std::clamp(Dy, -1.0, 1.0)};
   };
   const double Reach = 2 * Half;
+  // A level segment between two vertical ones has whole-pixel edges, and so have the
+  // square corners its miter joins add on the outer side of each turn (behind and beyond
+  // the turn coming in, ahead and behind it going on): its stroke is boxes, which Cairo
+  // would only cover fully. A level end of the whole line is left to the stroke, whose
+  // butt end meets a turn closer than the half width in its own way.
+  const auto FlatJoin = [&](const std::vector<TVertex>& R) {
+    if (R.size() < 4 || R[0].Y == R[1].Y) return false;
+    const auto X1 = static_cast<int32_t>(R[1].X), X2 = static_cast<int32_t>(R[2].X);
+    const auto Y = static_cast<int32_t>(R[1].Y);
+    const bool Right = X2 > X1;
+    Boxes.push_back({std::min(X1, X2), Y - H, std::max(X1, X2), Y + H});
+    const int32_t InX = Right ? X1 - H : X1, InY = R[1].Y > R[0].Y ? Y : Y - H;
+    Boxes.push_back({InX, InY, InX + H, InY + H});
+    const int32_t OutX = Right ? X2 : X2 - H, OutY = R[3].Y > R[2].Y ? Y - H : Y;
+    Boxes.push_back({OutX, OutY, OutX + H, OutY + H});
+    return true;
+  };
   std::vector<TVertex> Run;
   cairo_new_path(FCairo);
   for (size_t I = 0; I + 1 < V.size();) {
@@ -905,11 +930,44 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
     if (Painted(static_cast<int32_t>(std::floor(L - Sideways)),
                 static_cast<int32_t>(std::ceil(R + Sideways)), T - Reach, B + Reach))
       continue;
+    if (Segments == 1 && Run[1].Y == Run[2].Y && FlatJoin(Run)) continue;
     cairo_move_to(FCairo, Run[0].X, Run[0].Y);
     for (size_t K = 1; K < Run.size(); ++K)
       cairo_line_to(FCairo, Run[K].X, Run[K].Y);
   }
   PaintPath(false, true);
+  FillBoxes(Boxes, FPen->Color());
+}
+
+void TCanvas::FillBoxes(std::span<const TRect> Boxes, TColor Color) {
+  if (Boxes.empty() || !CanPaint()) return;
+  if (!FDirectPixels || FOpacityDepth > 0) {
+    cairo_new_path(FCairo);
+    for (const TRect& B : Boxes)
+      cairo_rectangle(FCairo, B.Left, B.Top, B.Width(), B.Height());
+    PaintPathWith(true, Color, bsSolid, false, false);
+    return;
+  }
+  // Whole pixels of an opaque colour come out of Cairo as the colour itself: writing them
+  // spares its rasterizer, which sorts and sweeps even boxes that share no pixel.
+  cairo_surface_flush(FSurface);
+  auto* Data = cairo_image_surface_get_data(FSurface);
+  const int Stride = cairo_image_surface_get_stride(FSurface);
+  const uint32_t Pixel = 0xFF000000u | ColorToPixelRGB(Color);
+  const TRect Area = Intersect(FClip, TRect{0, 0, FWidth, FHeight});
+  TRect Dirty{Area.Right, Area.Bottom, Area.Left, Area.Top};
+  for (const TRect& Box : Boxes) {
+    const TRect B = Intersect(Box, Area);
+    if (B.IsEmpty()) continue;
+    for (int32_t Y = B.Top; Y < B.Bottom; ++Y)
+      std::fill_n(reinterpret_cast<uint32_t*>(Data + ptrdiff_t(Y) * Stride) + B.Left, B.Width(),
+                  Pixel);
+    Dirty = {std::min(Dirty.Left, B.Left), std::min(Dirty.Top, B.Top),
+             std::max(Dirty.Right, B.Right), std::max(Dirty.Bottom, B.Bottom)};
+  }
+  if (!Dirty.IsEmpty())
+    cairo_surface_mark_dirty_rectangle(FSurface, Dirty.Left, Dirty.Top, Dirty.Width(),
+                                       Dirty.Height());
 }
 
 void TCanvas::Polygon(std::span<const TPoint> Points) {

@@ -125,9 +125,10 @@ public:
   void LineTo(int32_t X, int32_t Y);
   void Polyline(std::span<const TPoint> Points);
   // Polyline for a line that mostly runs up and down pixel columns (a long series drawn one
-  // column at a time): its vertical segments become whole-pixel boxes, merged per pixel
-  // column, and only the others are stroked, with the joins they make with their vertical
-  // neighbours. Far fewer edges reach the rasterizer. It is Polyline without antialiasing,
+  // column at a time): its vertical segments, and the level ones between them, become
+  // whole-pixel boxes, written straight into the pixels of an image, and only the others
+  // are stroked, with the joins they make with their vertical neighbours. Far fewer edges
+  // reach the rasterizer. It is Polyline without antialiasing,
   // for odd, wide or patterned pens, pen modes and SVG or PDF files; otherwise a pixel that
   // the stroke's edge crosses may come out up to two levels off (Cairo's coverage of a
   // pixel depends a little on the other edges it rasterizes at the same time).
@@ -229,6 +230,8 @@ private:
   // Paints the line From..To of a one-pixel patterned pen along a row or a column (the
   // grid of every chart) as one fill; false, painting nothing, for any other line.
   bool PatternedPixelLine(const TVertex& From, const TVertex& To);
+  // Paints whole-pixel boxes, which may overlap, in the opaque Color.
+  void FillBoxes(std::span<const TRect> Boxes, TColor Color);
   void DrawText(int32_t X, int32_t Y, std::string_view Text, const TRect* ClipTo);
   TTextState& Text();
 

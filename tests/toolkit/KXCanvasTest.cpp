@@ -232,6 +232,42 @@ TEST(Canvas, ColumnPolylinePaintsWhatPolylinePaints) {
     }
 }
 
+// A level segment between two vertical ones, the commonest join of a dense line, is painted
+// as boxes: its stroke and its miter corners have whole-pixel edges, so the pixels must be
+// exactly the stroke's, whichever way the line comes in, goes on and turns, also when it
+// starts or ends level, and inside an opacity layer, where the boxes go through Cairo.
+TEST(Canvas, ColumnPolylinePaintsLevelJoinsExactly) {
+  for (const int32_t Width : {2, 4, 6})
+    for (const int32_t In : {-1, 0, 1})     // 0: the line starts level
+      for (const int32_t Out : {-1, 0, 1})  // 0: the line ends level
+        for (const int32_t Step : {-3, 1, 2})
+          for (const bool Layer : {false, true}) {
+            SCOPED_TRACE(testing::Message() << "width " << Width << " in " << In << " out " << Out
+                                            << " step " << Step << (Layer ? " layer" : ""));
+            TCanvasPoints Points;
+            if (In != 0) Points.push_back({20, 20 - 9 * In});
+            Points.push_back({20, 20});
+            Points.push_back({20 + Step, 20});
+            if (Out != 0) Points.push_back({20 + Step, 20 + 7 * Out});
+            const auto Paint = [&](bool Columns) {
+              TOwned<TBitmap> B = MakeBitmap(40, 40, true);
+              TCanvas* C = B->Canvas();
+              C->Pen()->SetWidth(Width);
+              C->Pen()->SetColor(clMaroon);
+              if (Layer) C->BeginOpacity(0.5f);
+              if (Columns)
+                C->ColumnPolyline(Points);
+              else
+                C->Polyline(Points);
+              if (Layer) C->EndOpacity();
+              return B;
+            };
+            const TOwned<TBitmap> Whole = Paint(false), Columns = Paint(true);
+            ASSERT_GT(CountPainted(Whole.get()), 0);
+            EXPECT_EQ(test::ComparePictures(Whole.get(), Columns.get()).Pixels, 0);
+          }
+}
+
 TEST_F(CanvasFixture, PolygonFillsAndOutlinesThroughEveryPoint) {
   C->Brush()->SetColor(clYellow);
   const TPoint Square[] = {{10, 10}, {20, 10}, {20, 20}, {10, 20}};
