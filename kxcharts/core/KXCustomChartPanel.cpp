@@ -385,6 +385,9 @@ void TKXCustomChartPanel::DrawGradient(TCanvas* Canvas, const TRect& Whole) {
   if (!FGradientBuffer || FGradientBuffer->Width() != W || FGradientBuffer->Height() != H) {
     FGradientBuffer.reset();
     auto Buffer = MakeOwned<TBitmap>();
+    // An opaque buffer is copied at every paint instead of blended, at less than half the
+    // cost for a panel's worth of pixels.
+    if (FGradient->Opacity() >= 1.0f) Buffer->SetPixelFormat(pf24bit);
     Buffer->SetSize(static_cast<int32_t>(W), static_cast<int32_t>(H));
     if (FGradient->Opacity() < 1.0f) {
       // A translucent gradient must let what lies beneath show through the copy, so the

@@ -100,8 +100,12 @@ void WriteFile(const std::string& FileName, const std::vector<uint8_t>& Bytes) {
     throw EInvalidGraphic("Cannot write the file " + Quoted(FileName));
 }
 
-cairo_surface_t* NewImage(int32_t W, int32_t H) {
-  cairo_surface_t* S = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, W, H);
+cairo_format_t CairoFormat(TPixelFormat Format) {
+  return Format == pf24bit ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32;
+}
+
+cairo_surface_t* NewImage(int32_t W, int32_t H, TPixelFormat Format = pf32bit) {
+  cairo_surface_t* S = cairo_image_surface_create(CairoFormat(Format), W, H);
   if (cairo_surface_status(S) != CAIRO_STATUS_SUCCESS) {
     cairo_surface_destroy(S);
     throw EInvalidGraphic("Cannot make a bitmap of " + std::to_string(W) + " x " +
@@ -187,13 +191,19 @@ TBitmap::~TBitmap() {
   if (FSurface) cairo_surface_destroy(FSurface);
 }
 
-void TBitmap::Adopt(cairo_surface_t* Surface) {
-  if (cairo_image_surface_get_format(Surface) != CAIRO_FORMAT_ARGB32) {
-    cairo_surface_t* Converted =
-        NewImage(cairo_image_surface_get_width(Surface), cairo_image_surface_get_height(Surface));
+void TBitmap::Adopt(cairo_surface_t* Surface, TPixelFormat Format) {
+  if (cairo_image_surface_get_format(Surface) != CairoFormat(Format)) {
+    cairo_surface_t* Converted = NewImage(cairo_image_surface_get_width(Surface),
+                                          cairo_image_surface_get_height(Surface), Format);
     cairo_t* Cr = cairo_create(Converted);
+    // Pixels that lose their alpha keep the colour they show on white.
+    if (Format == pf24bit) {
+      cairo_set_source_rgb(Cr, 1, 1, 1);
+      cairo_paint(Cr);
+    } else {
+      cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
+    }
     cairo_set_source_surface(Cr, Surface, 0, 0);
-    cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
     cairo_paint(Cr);
     cairo_destroy(Cr);
     cairo_surface_destroy(Surface);
@@ -214,7 +224,7 @@ void TBitmap::SetSize(int32_t NewWidth, int32_t NewHeight) {
   if (int64_t(NewWidth) * NewHeight > MaxPixels)
     throw EInvalidGraphic("Cannot make a bitmap of " + std::to_string(NewWidth) + " x " +
                           std::to_string(NewHeight) + " pixels");
-  cairo_surface_t* S = NewImage(NewWidth, NewHeight);
+  cairo_surface_t* S = NewImage(NewWidth, NewHeight, PixelFormat());
   cairo_t* Cr = cairo_create(S);
   cairo_set_source_rgb(Cr, 1, 1, 1);
   cairo_paint(Cr);
@@ -225,7 +235,18 @@ void TBitmap::SetSize(int32_t NewWidth, int32_t NewHeight) {
     cairo_fill(Cr);
   }
   cairo_destroy(Cr);
-  Adopt(S);
+  Adopt(S, PixelFormat());
+  Changed();
+}
+
+TPixelFormat TBitmap::PixelFormat() const {
+  return cairo_image_surface_get_format(FSurface) == CAIRO_FORMAT_RGB24 ? pf24bit : pf32bit;
+}
+
+void TBitmap::SetPixelFormat(TPixelFormat Value) {
+  if (Value == PixelFormat()) return;
+  cairo_surface_reference(FSurface);
+  Adopt(FSurface, Value);
   Changed();
 }
 
@@ -237,12 +258,12 @@ void TBitmap::SetTransparentColor(TColor Value) {
 
 void TBitmap::LoadFromFile(const std::string& FileName) {
   const std::vector<uint8_t> Bytes = ReadFile(FileName);
-  Adopt(DecodePng(Bytes, "The file " + Quoted(FileName)));
+  Adopt(DecodePng(Bytes, "The file " + Quoted(FileName)), pf32bit);
   Changed();
 }
 
 void TBitmap::LoadFromBytes(std::span<const uint8_t> Data) {
-  Adopt(DecodePng(Data, "The image data"));
+  Adopt(DecodePng(Data, "The image data"), pf32bit);
   Changed();
 }
 
@@ -266,13 +287,13 @@ void TBitmap::SaveToFile(const std::string& FileName) const {
 void TBitmap::Assign(const TPersistent* Source) {
   if (Source == this) return;
   if (auto* B = dynamic_cast<const TBitmap*>(Source)) {
-    cairo_surface_t* S = NewImage(B->FWidth, B->FHeight);
+    cairo_surface_t* S = NewImage(B->FWidth, B->FHeight, B->PixelFormat());
     cairo_t* Cr = cairo_create(S);
     cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
     cairo_set_source_surface(Cr, B->FSurface, 0, 0);
     cairo_paint(Cr);
     cairo_destroy(Cr);
-    Adopt(S);
+    Adopt(S, B->PixelFormat());
     FTransparentColor = B->FTransparentColor;
     if (Transparent() != B->Transparent())
       SetTransparent(B->Transparent()); // raises the change
@@ -297,11 +318,15 @@ void TBitmap::Draw(TCanvas* Canvas, const TRect& R, float Opacity) const {
     const auto* From = cairo_image_surface_get_data(FSurface);
     auto* To = cairo_image_surface_get_data(Source);
     const int Stride = cairo_image_surface_get_stride(FSurface);
+    // The unused byte of a 24-bit pixel holds anything.
+    const uint32_t Alpha = PixelFormat() == pf24bit ? 0xFF000000u : 0;
     for (int32_t Y = 0; Y < FHeight; ++Y) {
       const auto* In = reinterpret_cast<const uint32_t*>(From + Y * Stride);
       auto* Out = reinterpret_cast<uint32_t*>(To + Y * cairo_image_surface_get_stride(Source));
-      for (int32_t X = 0; X < FWidth; ++X)
-        Out[X] = In[X] == KeyPixel ? 0 : In[X];
+      for (int32_t X = 0; X < FWidth; ++X) {
+        const uint32_t P = In[X] | Alpha;
+        Out[X] = P == KeyPixel ? 0 : P;
+      }
     }
     cairo_surface_mark_dirty(Source);
   }
@@ -468,6 +493,7 @@ int32_t TImageList::AddMasked(const TBitmap* Image, TColor MaskColor) {
   if (!Image || Image->Empty()) return -1;
   TOwned<TBitmap> Copy = MakeOwned<TBitmap>();
   Copy->Assign(Image);
+  Copy->SetPixelFormat(pf32bit);
   cairo_surface_flush(Copy->Surface());
   auto* Data = cairo_image_surface_get_data(Copy->Surface());
   const int Stride = cairo_image_surface_get_stride(Copy->Surface());
@@ -516,6 +542,7 @@ void TImageList::Draw(TCanvas* Canvas, int32_t X, int32_t Y, int32_t Index, bool
   // Greyed: the image's own lightness, washed out.
   TOwned<TBitmap> Grey = MakeOwned<TBitmap>();
   Grey->Assign(B);
+  Grey->SetPixelFormat(pf32bit);
   cairo_surface_flush(Grey->Surface());
   auto* Data = cairo_image_surface_get_data(Grey->Surface());
   const int Stride = cairo_image_surface_get_stride(Grey->Surface());

@@ -56,9 +56,12 @@ private:
   bool FTransparent = false;
 };
 
-// An off-screen ARGB32 image (premultiplied alpha, as Cairo keeps it) with its own canvas.
-// The canvas object stays the same for the bitmap's life; SetSize and loading bind it to the
-// new pixels.
+// How a bitmap keeps its pixels: pf32bit with alpha (ARGB32, premultiplied, as Cairo keeps
+// it), pf24bit opaque (RGB24), which draws as a plain copy.
+enum TPixelFormat : uint8_t { pf24bit, pf32bit };
+
+// An off-screen image with its own canvas. The canvas object stays the same for the
+// bitmap's life; SetSize and loading bind it to the new pixels.
 class TBitmap : public TGraphic {
   KX_CLASS(TBitmap, TGraphic)
 
@@ -78,6 +81,10 @@ public:
   void SetSize(int32_t NewWidth, int32_t NewHeight);
   TCanvas* Canvas() const { return FCanvas.get(); }
   cairo_surface_t* Surface() const { return FSurface; }
+  // pf32bit unless set; pictures load as pf32bit. Going to pf24bit lays translucent pixels
+  // over white; going back keeps every pixel opaque.
+  TPixelFormat PixelFormat() const;
+  void SetPixelFormat(TPixelFormat Value);
 
   // The colour left out when Transparent is set; clDefault (the start) means the colour of
   // the bottom left pixel.
@@ -90,15 +97,15 @@ public:
   void LoadFromBytes(std::span<const uint8_t> Data) override;
   std::vector<uint8_t> SaveToBytes() const override;
 
-  // Copies pixels, transparency and size from another bitmap or from a picture's bitmap.
+  // Copies pixels, pixel format, transparency and size from another bitmap or from a picture's bitmap.
   void Assign(const TPersistent* Source) override;
 
 protected:
   void Draw(TCanvas* Canvas, const TRect& R, float Opacity) const override;
 
 private:
-  // Takes over Surface (any image format) as the bitmap's pixels.
-  void Adopt(cairo_surface_t* Surface);
+  // Takes over Surface (any image format) as the bitmap's pixels, in Format.
+  void Adopt(cairo_surface_t* Surface, TPixelFormat Format);
 
   cairo_surface_t* FSurface = nullptr;
   TOwned<TCanvas> FCanvas;

@@ -112,6 +112,64 @@ TEST(Bitmap, AssignCopiesPixelsIntoAnIndependentBitmap) {
   EXPECT_EQ(B->Canvas()->Pixel(0, 0), clPurple);
 }
 
+// A 24-bit bitmap has no alpha: it keeps what its pixels show on white, keeps its format
+// through SetSize and Assign, draws as a plain copy, and its unused byte (which holds
+// anything) never decides which pixels a transparent draw or a mask leaves out.
+TEST(Bitmap, TwentyFourBitBitmapsAreOpaqueAndKeepTheirFormat) {
+  TOwned<TBitmap> B = MakeBitmap(6, 4, clTeal);
+  cairo_t* Cr = cairo_create(B->Surface());
+  cairo_set_operator(Cr, CAIRO_OPERATOR_SOURCE);
+  cairo_set_source_rgba(Cr, 1, 0, 0, 0.5);
+  cairo_rectangle(Cr, 5, 3, 1, 1);
+  cairo_fill(Cr);
+  cairo_destroy(Cr);
+  cairo_surface_mark_dirty(B->Surface());
+  int Changes = 0;
+  B->SetOnChange([&](TObject*) { ++Changes; });
+  B->SetPixelFormat(pf24bit);
+  B->SetPixelFormat(pf24bit);
+  EXPECT_EQ(Changes, 1);
+  EXPECT_EQ(B->PixelFormat(), pf24bit);
+  EXPECT_EQ(B->Canvas()->Pixel(0, 0), clTeal);
+  const TColor HalfRed = B->Canvas()->Pixel(5, 3);
+  EXPECT_EQ(GetRValue(HalfRed), 255);
+  EXPECT_NEAR(GetGValue(HalfRed), 128, 1) << "half red on white";
+
+  B->SetSize(8, 4);
+  EXPECT_EQ(B->PixelFormat(), pf24bit);
+  EXPECT_EQ(B->Canvas()->Pixel(7, 0), clWhite);
+  TOwned<TBitmap> Copy = MakeOwned<TBitmap>();
+  Copy->Assign(B.get());
+  EXPECT_EQ(Copy->PixelFormat(), pf24bit);
+  TOwned<TBitmap> Loaded = MakeOwned<TBitmap>();
+  Loaded->LoadFromBytes(B->SaveToBytes());
+  EXPECT_EQ(Loaded->PixelFormat(), pf32bit);
+  EXPECT_EQ(Loaded->Canvas()->Pixel(0, 0), clTeal);
+
+  // Teal is the key; the unused bytes are cleared to tell a masked test from a plain one.
+  cairo_surface_flush(B->Surface());
+  auto* Data = cairo_image_surface_get_data(B->Surface());
+  for (int32_t Y = 0; Y < B->Height(); ++Y)
+    for (int32_t X = 0; X < B->Width(); ++X)
+      reinterpret_cast<uint32_t*>(Data + Y * cairo_image_surface_get_stride(B->Surface()))[X] &=
+          0xFFFFFF;
+  cairo_surface_mark_dirty(B->Surface());
+  B->SetTransparentColor(clTeal);
+  B->SetTransparent(true);
+  TOwned<TBitmap> Sheet = MakeBitmap(20, 10, clBlue);
+  Sheet->Canvas()->Draw(0, 0, B.get());
+  EXPECT_EQ(Sheet->Canvas()->Pixel(0, 0), clBlue) << "the key left out";
+  EXPECT_EQ(Sheet->Canvas()->Pixel(7, 0), clWhite) << "the rest drawn";
+  TOwned<TImageList> L(New<TImageList>(nullptr));
+  L->SetSize(8, 4);
+  ASSERT_EQ(L->AddMasked(B.get(), clTeal), 0);
+  L->Draw(Sheet->Canvas(), 10, 0, 0, true);
+  EXPECT_EQ(Sheet->Canvas()->Pixel(10, 0), clBlue) << "the mask leaves the key out";
+  EXPECT_EQ(Sheet->Canvas()->Pixel(17, 0), clWhite);
+  B->SetPixelFormat(pf32bit);
+  EXPECT_EQ(B->Canvas()->Pixel(7, 0), clWhite) << "back to 32 bits: opaque";
+}
+
 TEST(Picture, LoadsByExtensionAndReportsChangesOfItsGraphic) {
   test::TTempDir Dir;
   MakeBitmap(6, 3, clTeal)->SaveToFile((Dir / "p.PNG").string());
