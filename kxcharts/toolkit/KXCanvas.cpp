@@ -800,6 +800,112 @@ void TCanvas::Polyline(std::span<const TPoint> Points) {
   StrokeOpen(Points, nullptr);
 }
 
+// --- Stamped strokes ---
+
+namespace {
+// The blend Cairo gives a span of an opaque colour over an image, two channels at a time:
+// Src * A + Dst * (255 - A), each product rounded, the sum saturated.
+uint32_t Mul8x2(uint32_t X, uint32_t A) {
+  const uint32_t T = (X & 0xFF00FF) * A + 0x800080;
+  return ((T + ((T >> 8) & 0xFF00FF)) >> 8) & 0xFF00FF;
+}
+
+uint32_t Add8x2(uint32_t X, uint32_t Y) {
+  uint32_t T = X + Y;
+  T |= 0x1000100 - ((T >> 8) & 0xFF00FF);
+  return T & 0xFF00FF;
+}
+
+uint32_t Lerp(uint32_t Src, uint32_t A, uint32_t Dst) {
+  return Add8x2(Mul8x2(Src, A), Mul8x2(Dst, 255 - A)) |
+         (Add8x2(Mul8x2(Src >> 8, A), Mul8x2(Dst >> 8, 255 - A)) << 8);
+}
+} // namespace
+
+// Coverages of stroked shapes by shape: a dense line repeats a handful of short joins
+// thousands of times, and a stroke moved by whole pixels covers its pixels alike.
+struct TCanvas::TStamp {
+  int32_t Left = 0, Top = 0, Width = 0, Height = 0; // from the path's second point
+  std::vector<uint8_t> Cover;
+};
+
+struct TCanvas::TStamps {
+  std::unordered_map<uint64_t, TStamp> ByShape;
+  static constexpr size_t MaxShapes = 1024;
+};
+
+const TCanvas::TStamp* TCanvas::Stamp(std::span<const TVertex> Run) {
+  // The joins of a dense line reach one pixel each way. Longer runs cross pixel rows that
+  // Cairo covers in a way that depends on the rest of the path, and a wide pen on short
+  // segments outlines shapes that are no part of the whole line's stroke.
+  constexpr int32_t MaxReach = 1;
+  if (Run.size() < 2 || Run.size() > 4 || (Run[0].X == Run[1].X && Run[0].Y == Run[1].Y) ||
+      !FDirectPixels || FOpacityDepth > 0)
+    return nullptr;
+  const TVertex& O = Run[1];
+  uint64_t Key = uint64_t(EffectivePenWidth()) | uint64_t(cairo_get_antialias(FCairo)) << 8 |
+                 uint64_t(Run.size()) << 12;
+  int32_t L = 0, T = 0, R = 0, B = 0;
+  for (size_t K = 0; K < Run.size(); ++K) {
+    const double Dx = Run[K].X - O.X, Dy = Run[K].Y - O.Y;
+    if (std::abs(Dx) > MaxReach || std::abs(Dy) > MaxReach || Dx != std::floor(Dx) ||
+        Dy != std::floor(Dy))
+      return nullptr;
+    const auto X = static_cast<int32_t>(Dx), Y = static_cast<int32_t>(Dy);
+    L = std::min(L, X), R = std::max(R, X), T = std::min(T, Y), B = std::max(B, Y);
+    Key |= uint64_t((X + MaxReach) | (Y + MaxReach) << 6) << (16 + 12 * K);
+  }
+  if (!FStamps) FStamps = std::make_unique<TStamps>();
+  auto It = FStamps->ByShape.find(Key);
+  if (It == FStamps->ByShape.end()) {
+    // A miter reaches the pen's width from its point; a pixel more for the edge's coverage.
+    const int32_t Margin = EffectivePenWidth() + 1;
+    TStamp S{L - Margin, T - Margin, R - L + 2 * Margin, B - T + 2 * Margin, {}};
+    cairo_surface_t* Mask = cairo_image_surface_create(CAIRO_FORMAT_A8, S.Width, S.Height);
+    cairo_t* M = cairo_create(Mask);
+    cairo_set_antialias(M, cairo_get_antialias(FCairo));
+    cairo_set_tolerance(M, cairo_get_tolerance(FCairo));
+    cairo_set_line_width(M, EffectivePenWidth());
+    cairo_set_line_cap(M, cairo_get_line_cap(FCairo));
+    cairo_set_line_join(M, cairo_get_line_join(FCairo));
+    cairo_set_miter_limit(M, cairo_get_miter_limit(FCairo));
+    cairo_move_to(M, Run[0].X - O.X - S.Left, Run[0].Y - O.Y - S.Top);
+    for (size_t K = 1; K < Run.size(); ++K)
+      cairo_line_to(M, Run[K].X - O.X - S.Left, Run[K].Y - O.Y - S.Top);
+    cairo_stroke(M);
+    cairo_destroy(M);
+    cairo_surface_flush(Mask);
+    const uint8_t* Data = cairo_image_surface_get_data(Mask);
+    const int Stride = cairo_image_surface_get_stride(Mask);
+    S.Cover.resize(size_t(S.Width) * S.Height);
+    for (int32_t Y = 0; Y < S.Height; ++Y)
+      std::memcpy(&S.Cover[size_t(Y) * S.Width], Data + ptrdiff_t(Y) * Stride, size_t(S.Width));
+    cairo_surface_destroy(Mask);
+    It = FStamps->ByShape.emplace(Key, std::move(S)).first;
+  }
+  return &It->second;
+}
+
+void TCanvas::BlendStamp(const TStamp& S, TPoint At) {
+  const TRect Area = Intersect(Intersect(FClip, TRect{0, 0, FWidth, FHeight}),
+                               TRect{At.X, At.Y, At.X + S.Width, At.Y + S.Height});
+  if (Area.IsEmpty()) return;
+  cairo_surface_flush(FSurface);
+  auto* Data = cairo_image_surface_get_data(FSurface);
+  const int Stride = cairo_image_surface_get_stride(FSurface);
+  const uint32_t Pixel = 0xFF000000u | ColorToPixelRGB(FPen->Color());
+  for (int32_t Y = Area.Top; Y < Area.Bottom; ++Y) {
+    auto* Row = reinterpret_cast<uint32_t*>(Data + ptrdiff_t(Y) * Stride);
+    const uint8_t* Cover = S.Cover.data() + size_t(Y - At.Y) * S.Width;
+    for (int32_t X = Area.Left; X < Area.Right; ++X)
+      if (const uint32_t A = Cover[X - At.X]; A == 255)
+        Row[X] = Pixel;
+      else if (A > 0)
+        Row[X] = Lerp(Pixel, A, Row[X]);
+  }
+  cairo_surface_mark_dirty_rectangle(FSurface, Area.Left, Area.Top, Area.Width(), Area.Height());
+}
+
 // The widest pen that ColumnPolyline paints as boxes.
 constexpr int32_t MaxColumnPen = 16;
 
@@ -904,8 +1010,19 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
     Boxes.push_back({OutX, OutY, OutX + H, OutY + H});
     return true;
   };
-  std::vector<TVertex> Run;
-  cairo_new_path(FCairo);
+  // The runs that need a stroke: a short one of one segment blends the coverage Cairo gave
+  // its shape (stamped), unless it shares a pixel outside the boxes with another run, where
+  // the stroke of both in one path covers that pixel once, and stamps would blend it twice.
+  struct TStroke {
+    size_t From, Count; // in Store
+    TRect Reach;        // every pixel its stroke may touch
+    const TStamp* Stamp;
+    TPoint At;          // where the stamp's origin lies
+  };
+  std::vector<TVertex> Run, Store;
+  std::vector<TStroke> Strokes;
+  // Emptied between lines only: the runs of this one point into it.
+  if (FStamps && FStamps->ByShape.size() >= TStamps::MaxShapes) FStamps->ByShape.clear();
   for (size_t I = 0; I + 1 < V.size();) {
     if (Vertical(I)) {
       ++I;
@@ -931,9 +1048,60 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
                 static_cast<int32_t>(std::ceil(R + Sideways)), T - Reach, B + Reach))
       continue;
     if (Segments == 1 && Run[1].Y == Run[2].Y && FlatJoin(Run)) continue;
-    cairo_move_to(FCairo, Run[0].X, Run[0].Y);
-    for (size_t K = 1; K < Run.size(); ++K)
-      cairo_line_to(FCairo, Run[K].X, Run[K].Y);
+    TStroke S{Store.size(), Run.size(),
+              {static_cast<int32_t>(std::floor(L - Reach)) - 1,
+               static_cast<int32_t>(std::floor(T - Reach)) - 1,
+               static_cast<int32_t>(std::ceil(R + Reach)) + 1,
+               static_cast<int32_t>(std::ceil(B + Reach)) + 1},
+              Segments == 1 ? Stamp(Run) : nullptr,
+              {static_cast<int32_t>(Run[1].X), static_cast<int32_t>(Run[1].Y)}};
+    if (S.Stamp) {
+      S.At = {S.At.X + S.Stamp->Left, S.At.Y + S.Stamp->Top};
+      S.Reach = {S.At.X, S.At.Y, S.At.X + S.Stamp->Width, S.At.Y + S.Stamp->Height};
+    }
+    Store.insert(Store.end(), Run.begin(), Run.end());
+    Strokes.push_back(S);
+  }
+
+  // Runs come about in the order of X: each is held against those to its right whose reach
+  // begins before its own ends.
+  std::vector<size_t> Order(Strokes.size());
+  for (size_t K = 0; K < Order.size(); ++K)
+    Order[K] = K;
+  std::stable_sort(Order.begin(), Order.end(), [&](size_t A, size_t B) {
+    return Strokes[A].Reach.Left < Strokes[B].Reach.Left;
+  });
+  const auto Covers = [](const TStroke& S, int32_t X, int32_t Y) {
+    return !S.Stamp ||
+           S.Stamp->Cover[size_t(Y - S.At.Y) * S.Stamp->Width + size_t(X - S.At.X)] > 0;
+  };
+  std::vector<bool> Stroked(Strokes.size(), false);
+  for (size_t K = 0; K < Order.size(); ++K) {
+    const TStroke& A = Strokes[Order[K]];
+    if (!A.Stamp) Stroked[Order[K]] = true;
+    for (size_t M = K + 1; M < Order.size(); ++M) {
+      const TStroke& B = Strokes[Order[M]];
+      if (B.Reach.Left >= A.Reach.Right) break;
+      if (!A.Stamp && !B.Stamp) continue;
+      const TRect Both = Intersect(A.Reach, B.Reach);
+      bool Shared = false;
+      for (int32_t Y = Both.Top; Y < Both.Bottom && !Shared; ++Y)
+        for (int32_t X = Both.Left; X < Both.Right && !Shared; ++X)
+          Shared = Covers(A, X, Y) && Covers(B, X, Y) && !Painted(X, X + 1, Y, Y + 1);
+      if (Shared) Stroked[Order[K]] = Stroked[Order[M]] = true;
+    }
+  }
+
+  cairo_new_path(FCairo);
+  for (size_t K = 0; K < Strokes.size(); ++K) {
+    const TStroke& S = Strokes[K];
+    if (!Stroked[K]) {
+      BlendStamp(*S.Stamp, S.At);
+      continue;
+    }
+    cairo_move_to(FCairo, Store[S.From].X, Store[S.From].Y);
+    for (size_t P = S.From + 1; P < S.From + S.Count; ++P)
+      cairo_line_to(FCairo, Store[P].X, Store[P].Y);
   }
   PaintPath(false, true);
   FillBoxes(Boxes, FPen->Color());

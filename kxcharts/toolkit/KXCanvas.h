@@ -232,6 +232,14 @@ private:
   bool PatternedPixelLine(const TVertex& From, const TVertex& To);
   // Paints whole-pixel boxes, which may overlap, in the opaque Color.
   void FillBoxes(std::span<const TRect> Boxes, TColor Color);
+  // The coverage Cairo gives the stroke of the short open path Run (led in and out, every
+  // point on whole pixels at most one pixel each way from its second), rendered once per
+  // shape; nil when Run is not such a path or the canvas cannot blend into its pixels.
+  struct TStamps;
+  struct TStamp;
+  const TStamp* Stamp(std::span<const TVertex> Run);
+  // Blends the pen's colour through a stamp whose origin lies at At, straight into the pixels.
+  void BlendStamp(const TStamp& S, TPoint At);
   void DrawText(int32_t X, int32_t Y, std::string_view Text, const TRect* ClipTo);
   TTextState& Text();
 
@@ -253,6 +261,7 @@ private:
   std::vector<TLayer> FStack;
   int32_t FOpacityDepth = 0;
   std::unique_ptr<TTextState> FText;
+  std::unique_ptr<TStamps> FStamps;
 
   friend TOwned<TCanvas> CreateSvgCanvas(const std::string&, int32_t, int32_t);
   friend TOwned<TCanvas> CreatePdfCanvas(const std::string&, int32_t, int32_t);

@@ -236,6 +236,44 @@ TEST(Canvas, ColumnPolylinePaintsWhatPolylinePaints) {
 // as boxes: its stroke and its miter corners have whole-pixel edges, so the pixels must be
 // exactly the stroke's, whichever way the line comes in, goes on and turns, also when it
 // starts or ends level, and inside an opacity layer, where the boxes go through Cairo.
+// A dense line as a long series reduced per column draws it: per column a step in, a span
+// and a step out, the joins between columns one pixel long each way. Those joins are
+// stamped (blended from a coverage rendered once per shape), and must stay within the same
+// tolerance for every even pen, and not stamp two joins that share a pixel.
+TEST(Canvas, ColumnPolylineOfADenseLinePaintsWhatPolylinePaints) {
+  for (const int Seed : {1, 2, 3})
+    for (const int32_t Width : {2, 4, 8, 16}) {
+      SCOPED_TRACE(testing::Message() << "seed " << Seed << " width " << Width);
+      std::mt19937 Random(Seed);
+      std::uniform_int_distribution<int32_t> Step(-1, 1), Reach(1, 12);
+      TCanvasPoints Points{{3, 100}};
+      int32_t Y = 100;
+      for (int32_t X = 4; X < 396; ++X) {
+        Y = std::clamp(Y + Step(Random), 20, 180);
+        Points.push_back({X, Y});
+        const int32_t Lo = Y - Reach(Random), Hi = Y + Reach(Random);
+        Points.push_back({X, Step(Random) > 0 ? Lo : Hi});
+        Points.push_back({X, Points.back().Y == Lo ? Hi : Lo});
+        Y = std::clamp(Y + Step(Random), Lo, Hi);
+        Points.push_back({X, Y});
+      }
+      const auto Paint = [&](bool Columns) {
+        TOwned<TBitmap> B = MakeBitmap(400, 200, true);
+        B->Canvas()->Pen()->SetWidth(Width);
+        B->Canvas()->Pen()->SetColor(clNavy);
+        if (Columns)
+          B->Canvas()->ColumnPolyline(Points);
+        else
+          B->Canvas()->Polyline(Points);
+        return B;
+      };
+      const TOwned<TBitmap> Whole = Paint(false), Columns = Paint(true);
+      const test::TPictureDifference D = test::ComparePictures(Whole.get(), Columns.get());
+      EXPECT_LE(D.Worst, 2);
+      EXPECT_LE(D.Pixels, CountPainted(Whole.get()) / 100);
+    }
+}
+
 TEST(Canvas, ColumnPolylinePaintsLevelJoinsExactly) {
   for (const int32_t Width : {2, 4, 6})
     for (const int32_t In : {-1, 0, 1})     // 0: the line starts level
