@@ -960,13 +960,27 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
 
   // Whether the boxes paint every pixel of columns From..To-1 between rows Top and Bottom:
   // in each column, the boxes of the chains within the half width, joined end to end.
+  // The questions come about in the order of X: each search starts where the last ended.
+  size_t Cursor = 0;
+  const auto FirstFrom = [&](double X) {
+    const auto Begin = Chains.begin();
+    if (Cursor > 0 && Chains[Cursor - 1].X >= X) {
+      Cursor = size_t(std::lower_bound(Begin, Begin + ptrdiff_t(Cursor), TChain{X, 0, 0}, ByX) - Begin);
+    } else {
+      for (int K = 0; K < 8 && Cursor < Chains.size() && Chains[Cursor].X < X; ++K)
+        ++Cursor;
+      if (Cursor < Chains.size() && Chains[Cursor].X < X)
+        Cursor = size_t(std::lower_bound(Begin + ptrdiff_t(Cursor), Chains.end(), TChain{X, 0, 0}, ByX) -
+                        Begin);
+    }
+    return Cursor;
+  };
   std::vector<const TChain*> Near;
   const auto Painted = [&](int32_t From, int32_t To, double Top, double Bottom) {
     for (int32_t C = From; C < To; ++C) {
       Near.clear();
-      for (auto It = std::lower_bound(Chains.begin(), Chains.end(), TChain{C - Half + 1, 0, 0}, ByX);
-           It != Chains.end() && It->X <= C + Half; ++It)
-        Near.push_back(&*It);
+      for (size_t K = FirstFrom(C - Half + 1); K < Chains.size() && Chains[K].X <= C + Half; ++K)
+        Near.push_back(&Chains[K]);
       double Reached = Top;
       for (bool Grew = true; Grew && Reached < Bottom;) {
         Grew = false;
