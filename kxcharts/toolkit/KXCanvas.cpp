@@ -474,51 +474,26 @@ bool TCanvas::PatternedPixelLine(const TVertex& From, const TVertex& To) {
   if (Pattern.empty() || EffectivePenWidth() != 1 || FPen->Mode() != pmCopy || RasterMode() ||
       FKind == skSvg || FKind == skPdf || (From.X != To.X && From.Y != To.Y))
     return false;
-  // The pattern as one period of pixels, laid along the line from its start: a dash of a
-  // one-pixel pen across pixel edges covers whole pixels, so the pixels are those of the
-  // dashed stroke, and one fill of a repeating source replaces a stroke per dash.
+  // A dash of a one-pixel pen along a row or a column, laid from the line's start, covers
+  // whole pixels: the dashes are boxes, painted at once instead of a stroke per dash.
   int32_t Period = 0;
   for (const double Length : Pattern)
     Period += static_cast<int32_t>(Length);
   const bool Horizontal = From.Y == To.Y;
   const double Along = Horizontal ? To.X - From.X : To.Y - From.Y;
-  const bool Backwards = Along < 0;
-  cairo_surface_t* Tile = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, Horizontal ? Period : 1,
-                                                     Horizontal ? 1 : Period);
-  cairo_t* Cr = cairo_create(Tile);
-  kx::SetSourceColor(Cr, FPen->Color());
-  int32_t At = 0;
-  for (size_t I = 0; I < Pattern.size(); I += 2) {
-    const auto On = static_cast<int32_t>(Pattern[I]);
-    // Backwards, the pixel at distance t from the start sits at Period - 1 - t of the tile.
-    const int32_t Start = Backwards ? Period - At - On : At;
-    cairo_rectangle(Cr, Horizontal ? Start : 0, Horizontal ? 0 : Start, Horizontal ? On : 1,
-                    Horizontal ? 1 : On);
-    At += On + static_cast<int32_t>(Pattern[I + 1]);
-  }
-  cairo_fill(Cr);
-  cairo_destroy(Cr);
-  cairo_pattern_t* Source = cairo_pattern_create_for_surface(Tile);
-  cairo_surface_destroy(Tile);
-  cairo_pattern_set_extend(Source, CAIRO_EXTEND_REPEAT);
-  // The tile repeats from the line's start (backwards, its last pixel ends there).
-  const double Shift = Horizontal ? From.X : From.Y;
-  cairo_matrix_t M;
-  cairo_matrix_init_translate(&M, Horizontal ? -Shift : -(From.X - 0.5),
-                              Horizontal ? -(From.Y - 0.5) : -Shift);
-  cairo_pattern_set_matrix(Source, &M);
-  cairo_save(FCairo);
-  cairo_set_source(FCairo, Source);
-  cairo_pattern_destroy(Source);
-  cairo_new_path(FCairo);
-  const double Lo = std::min(Horizontal ? From.X : From.Y, Horizontal ? To.X : To.Y);
-  const double Length = std::abs(Along);
-  if (Horizontal)
-    cairo_rectangle(FCairo, Lo, From.Y - 0.5, Length, 1);
-  else
-    cairo_rectangle(FCairo, From.X - 0.5, Lo, 1, Length);
-  cairo_fill(FCairo);
-  cairo_restore(FCairo);
+  const auto Length = static_cast<int32_t>(std::abs(Along));
+  const auto Start = static_cast<int32_t>(Horizontal ? From.X : From.Y);
+  const auto Across = static_cast<int32_t>(std::floor(Horizontal ? From.Y : From.X));
+  std::vector<TRect> Boxes;
+  for (int32_t Period0 = 0; Period0 < Length; Period0 += Period)
+    for (size_t I = 0, At = 0; I < Pattern.size(); At += size_t(Pattern[I] + Pattern[I + 1]), I += 2) {
+      const int32_t A = Period0 + int32_t(At), B = std::min(Length, A + int32_t(Pattern[I]));
+      if (A >= B) break;
+      // Backwards, the pixel at distance t from the start lies before it.
+      const int32_t Lo = Along < 0 ? Start - B : Start + A, Hi = Along < 0 ? Start - A : Start + B;
+      Boxes.push_back(Horizontal ? TRect{Lo, Across, Hi, Across + 1} : TRect{Across, Lo, Across + 1, Hi});
+    }
+  FillBoxes(Boxes, FPen->Color());
   return true;
 }
 
