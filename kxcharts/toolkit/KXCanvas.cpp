@@ -32,6 +32,14 @@ TRect Intersect(const TRect& A, const TRect& B) {
   return R;
 }
 
+// The smallest rectangle holding both; an empty one holds nothing.
+TRect Union(const TRect& A, const TRect& B) {
+  if (A.IsEmpty()) return B;
+  if (B.IsEmpty()) return A;
+  return {std::min(A.Left, B.Left), std::min(A.Top, B.Top), std::max(A.Right, B.Right),
+          std::max(A.Bottom, B.Bottom)};
+}
+
 TRect Normalized(int32_t X1, int32_t Y1, int32_t X2, int32_t Y2) {
   return {std::min(X1, X2), std::min(Y1, Y2), std::max(X1, X2), std::max(Y1, Y2)};
 }
@@ -861,11 +869,10 @@ const TCanvas::TStamp* TCanvas::Stamp(std::span<const TVertex> Run) {
   return &It->second;
 }
 
-void TCanvas::BlendStamp(const TStamp& S, TPoint At) {
+TRect TCanvas::BlendStamp(const TStamp& S, TPoint At) {
   const TRect Area = Intersect(Intersect(FClip, TRect{0, 0, FWidth, FHeight}),
                                TRect{At.X, At.Y, At.X + S.Width, At.Y + S.Height});
-  if (Area.IsEmpty()) return;
-  cairo_surface_flush(FSurface);
+  if (Area.IsEmpty()) return Area;
   auto* Data = cairo_image_surface_get_data(FSurface);
   const int Stride = cairo_image_surface_get_stride(FSurface);
   const uint32_t Pixel = 0xFF000000u | ColorToPixelRGB(FPen->Color());
@@ -878,7 +885,7 @@ void TCanvas::BlendStamp(const TStamp& S, TPoint At) {
       else if (A > 0)
         Row[X] = Lerp(Pixel, A, Row[X]);
   }
-  cairo_surface_mark_dirty_rectangle(FSurface, Area.Left, Area.Top, Area.Width(), Area.Height());
+  return Area;
 }
 
 // The widest pen that ColumnPolyline paints as boxes.
@@ -1082,16 +1089,21 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   }
 
   cairo_new_path(FCairo);
+  TRect Dirty;
+  if (std::find(Stroked.begin(), Stroked.end(), false) != Stroked.end()) cairo_surface_flush(FSurface);
   for (size_t K = 0; K < Strokes.size(); ++K) {
     const TStroke& S = Strokes[K];
     if (!Stroked[K]) {
-      BlendStamp(*S.Stamp, S.At);
+      Dirty = Union(Dirty, BlendStamp(*S.Stamp, S.At));
       continue;
     }
     cairo_move_to(FCairo, Store[S.From].X, Store[S.From].Y);
     for (size_t P = S.From + 1; P < S.From + S.Count; ++P)
       cairo_line_to(FCairo, Store[P].X, Store[P].Y);
   }
+  if (!Dirty.IsEmpty())
+    cairo_surface_mark_dirty_rectangle(FSurface, Dirty.Left, Dirty.Top, Dirty.Width(),
+                                       Dirty.Height());
   PaintPath(false, true);
   FillBoxes(Boxes, FPen->Color());
 }
@@ -1112,15 +1124,14 @@ void TCanvas::FillBoxes(std::span<const TRect> Boxes, TColor Color) {
   const int Stride = cairo_image_surface_get_stride(FSurface);
   const uint32_t Pixel = 0xFF000000u | ColorToPixelRGB(Color);
   const TRect Area = Intersect(FClip, TRect{0, 0, FWidth, FHeight});
-  TRect Dirty{Area.Right, Area.Bottom, Area.Left, Area.Top};
+  TRect Dirty;
   for (const TRect& Box : Boxes) {
     const TRect B = Intersect(Box, Area);
     if (B.IsEmpty()) continue;
     for (int32_t Y = B.Top; Y < B.Bottom; ++Y)
       std::fill_n(reinterpret_cast<uint32_t*>(Data + ptrdiff_t(Y) * Stride) + B.Left, B.Width(),
                   Pixel);
-    Dirty = {std::min(Dirty.Left, B.Left), std::min(Dirty.Top, B.Top),
-             std::max(Dirty.Right, B.Right), std::max(Dirty.Bottom, B.Bottom)};
+    Dirty = Union(Dirty, B);
   }
   if (!Dirty.IsEmpty())
     cairo_surface_mark_dirty_rectangle(FSurface, Dirty.Left, Dirty.Top, Dirty.Width(),

@@ -238,8 +238,9 @@ private:
   struct TStamps;
   struct TStamp;
   const TStamp* Stamp(std::span<const TVertex> Run);
-  // Blends the pen's colour through a stamp whose origin lies at At, straight into the pixels.
-  void BlendStamp(const TStamp& S, TPoint At);
+  // Blends the pen's colour through a stamp whose origin lies at At, straight into the pixels
+  // (flushed before, marked dirty after by the caller); returns the pixels it may change.
+  TRect BlendStamp(const TStamp& S, TPoint At);
   void DrawText(int32_t X, int32_t Y, std::string_view Text, const TRect* ClipTo);
   TTextState& Text();
 
