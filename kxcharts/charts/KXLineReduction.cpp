@@ -1,6 +1,7 @@
 #include "kxcharts/charts/KXLineReduction.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "kxcharts/axes/KXChartAxis.h"
 
@@ -115,12 +116,34 @@ void ReduceColumn(const TKXValueSummary& S, const TKXPixelMap& Map, int32_t A, i
 
 } // namespace
 
-int32_t TKXPixelMap::PX(double X) const {
-  return Horizontal->AxisToPixel(X, Rect);
+TKXPixelMap::TKXPixelMap(const TKXChartAxis* Horizontal, const TKXChartAxis* Vertical,
+                         const TRect& Rect, double YOffset)
+    : FHorizontal(Horizontal), FVertical(Vertical), FRect(Rect), FYOffset(YOffset) {
+  FX.Take(Horizontal, Rect);
+  FY.Take(Vertical, Rect);
 }
 
-int32_t TKXPixelMap::PY(double Y) const {
-  return Vertical->AxisToPixel(YOffset + Y, Rect);
+void TKXPixelMap::TLinear::Take(const TKXChartAxis* Axis, const TRect& Rect) {
+  const double L = Axis->ZoomMinimum(), H = Axis->ZoomMaximum();
+  Linear = L == H || !Axis->Options().Contains(aoLogarithmic);
+  if (!Linear) return;
+  int32_t S = 0, E = 0;
+  Axis->PixelSpan(Rect, S, E);
+  Empty = L == H;
+  Halves = !std::isfinite(H - L) && std::isfinite(H) && std::isfinite(L);
+  Vertical = Axis->IsVertical();
+  Reversed = Axis->Options().Contains(aoReversed);
+  Lo = L;
+  Size = H - L;
+  HalfLo = L / 2;
+  HalfSize = H / 2 - L / 2;
+  Start = S;
+  End = E;
+  Length = static_cast<double>(E) - S;
+}
+
+int32_t TKXPixelMap::Axis(const TKXChartAxis* Axis, double Value) const {
+  return Axis->AxisToPixel(Value, FRect);
 }
 
 void ReduceLineRun(const TKXValueSummary& Summary, int32_t From, int32_t To, const TKXPixelMap& Map,
@@ -134,6 +157,9 @@ void ReduceLineRun(const TKXValueSummary& Summary, int32_t From, int32_t To, con
       for (int32_t J = I; J <= K; ++J)
         Push(Points, {Px, Map.PY(Summary.Y(J))});
     } else {
+      // The next column ends about a column's width on, too far for the cache to guess:
+      // its numbers are asked for now and arrive while this column is worked.
+      Summary.Prefetch(static_cast<int32_t>(std::min<int64_t>(int64_t(K) + Width, To)));
       ReduceColumn(Summary, Map, I, K, Px, Points);
     }
     I = K + 1;
