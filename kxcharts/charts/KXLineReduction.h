@@ -9,6 +9,7 @@
 // segment reaches it from, and the last point. The joins at the column's edges are then
 // the same as those of the full polyline, and a turn back inside a column adds no pixel.
 
+#include <algorithm>
 #include <cstdint>
 
 #include "kxcharts/charts/KXValueSummary.h"
@@ -42,7 +43,8 @@ private:
     bool Halves = false; // a range wider than a double holds, measured in halves
     bool Vertical = false;
     bool Reversed = false;
-    double Lo = 0, Size = 0, HalfLo = 0, HalfSize = 0, Start = 0, End = 0, Length = 0;
+    double Lo = 0, Size = 0, HalfLo = 0, HalfSize = 0, Start = 0, Length = 0;
+    int64_t Ends = 0; // the span's start and end added up
 
     void Take(const TKXChartAxis* Axis, const TRect& Rect);
     int32_t Pixel(double Value) const {
@@ -54,7 +56,11 @@ private:
       if (Reversed) P = Mirror(P);
       return P;
     }
-    int32_t Mirror(int32_t P) const { return CanvasRound(End - (static_cast<double>(P) - Start)); }
+    // The axis mirrors by rounding E - (P - S) in doubles; that is a whole number held
+    // exactly, so the rounding only saturates it, which integers do without conversions.
+    int32_t Mirror(int32_t P) const {
+      return static_cast<int32_t>(std::clamp<int64_t>(Ends - P, -KXMaxCanvasInt, KXMaxCanvasInt));
+    }
   };
 
   int32_t Axis(const TKXChartAxis* Axis, double Value) const;
