@@ -205,8 +205,8 @@ struct TSpread {
   }
   // Numbers that lie left of all those taken before.
   void TakeOnLeft(double CLo, double CHi) {
-    Lo = CLo <= Lo ? CLo : Lo;
-    Hi = CHi >= Hi ? CHi : Hi;
+    Lo = Lo < CLo ? Lo : CLo;
+    Hi = Hi > CHi ? Hi : CHi;
   }
 };
 } // namespace
