@@ -148,7 +148,7 @@ void TKXPixelMap::TLinear::Take(const TKXChartAxis* Axis, const TRect& Rect) {
   Length = static_cast<double>(E) - S;
 }
 
-int32_t TKXPixelMap::Axis(const TKXChartAxis* Axis, double Value) const {
+int32_t TKXPixelMap::OnAxis(const TKXChartAxis* Axis, double Value) const {
   return Axis->AxisToPixel(Value, FRect);
 }
 

@@ -30,9 +30,9 @@ public:
   TKXPixelMap(const TKXChartAxis* Horizontal, const TKXChartAxis* Vertical, const TRect& Rect,
               double YOffset);
 
-  int32_t PX(double X) const { return FX.Linear ? FX.Pixel(X) : Axis(FHorizontal, X); }
+  int32_t PX(double X) const { return FX.Linear ? FX.Pixel(X) : OnAxis(FHorizontal, X); }
   int32_t PY(double Y) const {
-    return FY.Linear ? FY.Pixel(FYOffset + Y) : Axis(FVertical, FYOffset + Y);
+    return FY.Linear ? FY.Pixel(FYOffset + Y) : OnAxis(FVertical, FYOffset + Y);
   }
 
 private:
@@ -63,7 +63,7 @@ private:
     }
   };
 
-  int32_t Axis(const TKXChartAxis* Axis, double Value) const;
+  int32_t OnAxis(const TKXChartAxis* Axis, double Value) const;
 
   const TKXChartAxis* FHorizontal;
   const TKXChartAxis* FVertical;
