@@ -252,6 +252,8 @@ public:
   // the range give its low end. Every input gives a defined pixel (NaN the start of the
   // span, huge values saturated). A log-cycle axis raises what CalcLogCycles raises.
   int32_t AxisToPixel(double Value, const TRect& ChartRect) const;
+  // The span's start S and end E on ChartRect, for mapping many values at once.
+  void PixelSpan(const TRect& ChartRect, int32_t& S, int32_t& E) const { Span(ChartRect, S, E); }
   // The value at Pixel on the owner's plot rectangle (0, 0, 100, 100 without an owner).
   virtual double PixelToAxis(int32_t Pixel, bool IgnoreZoom) const;
   // The value at Pixel on ChartRect, on the whole range with IgnoreZoom, else on the

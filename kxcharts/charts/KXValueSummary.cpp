@@ -191,23 +191,74 @@ void TKXValueSummary::RebuildNode(size_t Level, size_t Node) {
 
 // --- Reading ---
 
+namespace {
+// The extent of the numbers taken so far; empty while Lo > Hi. Taken numbers are finite.
+// Of equal numbers (-0 and 0) the leftmost by index is kept, as a walk from left to right
+// keeps it.
+struct TSpread {
+  double Lo = INFINITY, Hi = -INFINITY;
+
+  // Numbers that lie right of all those taken before.
+  void TakeOnRight(double CLo, double CHi) {
+    Lo = CLo < Lo ? CLo : Lo;
+    Hi = CHi > Hi ? CHi : Hi;
+  }
+  // Numbers that lie left of all those taken before.
+  void TakeOnLeft(double CLo, double CHi) {
+    Lo = Lo < CLo ? Lo : CLo;
+    Hi = Hi > CHi ? Hi : CHi;
+  }
+};
+} // namespace
+
+// The range's blocks, bottom up: at each level the loose ends on the left (in order) and
+// on the right (from the end back) are taken, and what lies between them is whole blocks
+// of the level above. Shifts and masks find them, as Fanout is a power of two.
 bool TKXValueSummary::Extent(int32_t From, int32_t To, const std::vector<double>& Coord,
                              std::vector<double> TLevel::*LoOf, std::vector<double> TLevel::*HiOf,
                              uint8_t Missing, double& Lo, double& Hi) const {
-  uint8_t Flags = Missing;
-  // A search whose tests never pass visits exactly the blocks that tile the range.
-  FindFirst(
-      From, To,
-      [&](size_t L, size_t N) {
-        const TLevel& Lv = FLevels[L];
-        if (!(Lv.Flags[N] & Missing)) Widen((Lv.*LoOf)[N], (Lv.*HiOf)[N], Missing, Flags, Lo, Hi);
-        return false;
-      },
-      [&](size_t P) {
-        if (!(FFlags[P] & Missing)) Widen(Coord[P], Coord[P], Missing, Flags, Lo, Hi);
-        return false;
-      });
-  return !(Flags & Missing);
+  if (From > To) return false;
+  TSpread Left, Right;
+  size_t A = Phys(From), B = Phys(To) + 1; // the items A..B-1 of the level
+  for (size_t L = 0; A < B; ++L) {
+    const double* CLo = L == 0 ? Coord.data() : (FLevels[L - 1].*LoOf).data();
+    const double* CHi = L == 0 ? Coord.data() : (FLevels[L - 1].*HiOf).data();
+    const uint8_t* CFlags = L == 0 ? FFlags.data() : FLevels[L - 1].Flags.data();
+    // The top level has no blocks above it: everything left is taken there.
+    const bool Top = L == FLevels.size();
+    const size_t LeftEnd = Top ? B : std::min(B, (A + Fanout - 1) & ~size_t(Fanout - 1));
+    for (; A < LeftEnd; ++A)
+      if (!(CFlags[A] & Missing)) Left.TakeOnRight(CLo[A], CHi[A]);
+    const size_t RightStart = std::max(A, B & ~size_t(Fanout - 1));
+    while (B > RightStart) {
+      --B;
+      if (!(CFlags[B] & Missing)) Right.TakeOnLeft(CLo[B], CHi[B]);
+    }
+    A >>= FanoutBits;
+    B >>= FanoutBits;
+  }
+  if (Right.Lo <= Right.Hi) Left.TakeOnRight(Right.Lo, Right.Hi);
+  if (Left.Lo > Left.Hi) return false;
+  Lo = Left.Lo;
+  Hi = Left.Hi;
+  return true;
+}
+
+void TKXValueSummary::Prefetch(int32_t Index) const {
+  const size_t P = Phys(Index), Block = P & ~size_t(Fanout - 1);
+  __builtin_prefetch(&FX[P]);
+  __builtin_prefetch(&FY[P]);
+  __builtin_prefetch(&FY[Block]); // a block's leaves take more than one cache line
+  __builtin_prefetch(&FY[Block + (P - Block) / 2]);
+  __builtin_prefetch(&FFlags[P]);
+  size_t N = P;
+  for (const TLevel& Lv : FLevels) {
+    N >>= FanoutBits;
+    if (N < 64) break; // the few blocks of the upper levels stay in the cache anyway
+    __builtin_prefetch(&Lv.Lo[N]);
+    __builtin_prefetch(&Lv.Hi[N]);
+    __builtin_prefetch(&Lv.Flags[N]);
+  }
 }
 
 bool TKXValueSummary::MinMax(int32_t From, int32_t To, double& Lo, double& Hi) const {

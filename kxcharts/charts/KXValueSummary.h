@@ -26,6 +26,9 @@ class TKX2DChartValues;
 class TKXValueSummary {
 public:
   static constexpr int32_t Fanout = 16;
+  // Fanout is 1 << FanoutBits: a block's leaves and position come from shifts and masks.
+  static constexpr size_t FanoutBits = 4;
+  static_assert(Fanout == 1 << FanoutBits);
 
   // --- Being told ---
   // Everything is stale: the next Sync reads every value.
@@ -54,6 +57,10 @@ public:
   int32_t NextNotPlain(int32_t From, int32_t To) const;
   // The first index in From..To whose colour is not Color; To + 1 when none.
   int32_t NextOtherColor(int32_t From, int32_t To, TColor Color) const;
+  // Asks the cache for what a range ending at Index reads there (its X and Y, the leaves
+  // before it in its block, the blocks above), so that a walk that jumps far ahead can
+  // have it arrive while it works on what it holds.
+  void Prefetch(int32_t Index) const;
   // The first (last) index in From..To with a finite Y that Test accepts; -1 when none.
   // Test(Lo, Hi) answers whether some Y between Lo and Hi (inclusive, Lo <= Hi) is
   // accepted, and must be exact for the Ys Lo and Hi themselves: the accepted Ys are those
@@ -128,34 +135,36 @@ private:
 template <class NodeTest, class LeafTest>
 int32_t TKXValueSummary::FindFirst(int32_t From, int32_t To, NodeTest Node, LeafTest Leaf) const {
   if (From > To) return -1;
-  const size_t F = Fanout, B = Phys(To);
+  const size_t B = Phys(To), Levels = FLevels.size();
   size_t P = Phys(From);
   while (P <= B) {
-    size_t Span = 1;
-    size_t Level = 0; // the level of blocks of Span leaves, plus one; 0 for a leaf
-    while (Level < FLevels.size() && P % (Span * F) == 0 && P + Span * F - 1 <= B) {
-      Span *= F;
+    // The level of the block of 1 << Shift leaves at P, plus one; 0 for a leaf.
+    size_t Level = 0, Shift = 0;
+    while (Level < Levels) {
+      const size_t Up = size_t(1) << (Shift + FanoutBits);
+      if ((P & (Up - 1)) != 0 || P + Up - 1 > B) break;
+      Shift += FanoutBits;
       ++Level;
     }
-    const bool Hit = Level == 0 ? Leaf(P) : Node(Level - 1, P / Span);
+    const bool Hit = Level == 0 ? Leaf(P) : Node(Level - 1, P >> Shift);
     if (Hit) {
-      size_t Start = P, Sp = Span;
+      size_t Start = P;
       for (size_t L = Level; L > 0; --L) {
-        const size_t Child = Sp / F;
+        Shift -= FanoutBits;
+        const size_t Child = size_t(1) << Shift;
         bool Found = false;
-        for (size_t C = 0; C < F && !Found; ++C) {
+        for (size_t C = 0; C < Fanout && !Found; ++C) {
           const size_t Q = Start + C * Child;
-          if (L == 1 ? Leaf(Q) : Node(L - 2, Q / Child)) {
+          if (L == 1 ? Leaf(Q) : Node(L - 2, Q >> Shift)) {
             Start = Q;
             Found = true;
           }
         }
         if (!Found) return -1; // a test that is not exact; no better answer exists
-        Sp = Child;
       }
       return static_cast<int32_t>(Start - FBase);
     }
-    P += Span;
+    P += size_t(1) << Shift;
   }
   return -1;
 }
@@ -163,31 +172,32 @@ int32_t TKXValueSummary::FindFirst(int32_t From, int32_t To, NodeTest Node, Leaf
 template <class NodeTest, class LeafTest>
 int32_t TKXValueSummary::FindLast(int32_t From, int32_t To, NodeTest Node, LeafTest Leaf) const {
   if (From > To) return -1;
-  const size_t F = Fanout, A = Phys(From);
+  const size_t A = Phys(From), Levels = FLevels.size();
   size_t P = Phys(To) + 1; // one past the next position to look at
   while (P > A) {
-    size_t Span = 1;
-    size_t Level = 0;
-    while (Level < FLevels.size() && P % (Span * F) == 0 && P >= A + Span * F) {
-      Span *= F;
+    size_t Level = 0, Shift = 0;
+    while (Level < Levels) {
+      const size_t Up = size_t(1) << (Shift + FanoutBits);
+      if ((P & (Up - 1)) != 0 || P < A + Up) break;
+      Shift += FanoutBits;
       ++Level;
     }
-    const size_t First = P - Span;
-    const bool Hit = Level == 0 ? Leaf(First) : Node(Level - 1, First / Span);
+    const size_t First = P - (size_t(1) << Shift);
+    const bool Hit = Level == 0 ? Leaf(First) : Node(Level - 1, First >> Shift);
     if (Hit) {
-      size_t Start = First, Sp = Span;
+      size_t Start = First;
       for (size_t L = Level; L > 0; --L) {
-        const size_t Child = Sp / F;
+        Shift -= FanoutBits;
+        const size_t Child = size_t(1) << Shift;
         bool Found = false;
-        for (size_t C = F; C-- > 0 && !Found;) {
+        for (size_t C = Fanout; C-- > 0 && !Found;) {
           const size_t Q = Start + C * Child;
-          if (L == 1 ? Leaf(Q) : Node(L - 2, Q / Child)) {
+          if (L == 1 ? Leaf(Q) : Node(L - 2, Q >> Shift)) {
             Start = Q;
             Found = true;
           }
         }
         if (!Found) return -1;
-        Sp = Child;
       }
       return static_cast<int32_t>(Start - FBase);
     }

@@ -1,10 +1,14 @@
 // The reduced drawing of line and area charts against drawing every segment, pixel by
-// pixel; and the summary it reads against the values themselves after every kind of change.
+// pixel; the pixel map it draws with against the axes; and the summary it reads against
+// the values themselves after every kind of change.
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <random>
 #include <string>
 
+#include "kxcharts/charts/KXLineReduction.h"
+#include "tests/axes/KXAxesTestSupport.h"
 #include "tests/charts/KXChartsTestSupport.h"
 
 namespace kx::test {
@@ -177,6 +181,119 @@ std::vector<TReduceCase> ReduceCases() {
 INSTANTIATE_TEST_SUITE_P(Charts, ReducedDrawing, testing::ValuesIn(ReduceCases()),
                          [](const auto& Info) { return Info.param.Name; });
 
+// --- The pixel map lands where the axes do ---
+
+struct TMapCase {
+  const char* Name;
+  TKXChartAxisLocation Location;
+  TAxisOptions Options;
+  double Min, Max;
+  double ZoomMin, ZoomMax; // NaN: the whole range
+  int32_t Start, End;      // per cent of the rectangle
+  TRect Rect;
+  double YOffset;
+};
+
+// The numbers a map is tried on: odd ones, the range's ends, half pixels of the span and
+// their neighbours (where the rounding turns), and numbers scattered on and around the
+// range.
+std::vector<double> MapNumbers(const TKXChartAxis& Axis, const TRect& Rect) {
+  const double Lo = Axis.ZoomMinimum(), Hi = Axis.ZoomMaximum();
+  std::vector<double> N = {Lo,
+                           Hi,
+                           0.0,
+                           -0.0,
+                           NaN,
+                           Inf,
+                           -Inf,
+                           DBL_MAX,
+                           -DBL_MAX,
+                           DBL_TRUE_MIN,
+                           -DBL_TRUE_MIN,
+                           1e300,
+                           -1e300,
+                           2e9,
+                           -2e9,
+                           std::nextafter(Lo, -Inf),
+                           std::nextafter(Hi, Inf)};
+  const int32_t Pixels =
+      std::max(std::abs(Rect.Right - Rect.Left), std::abs(Rect.Bottom - Rect.Top)) + 1;
+  const double Step = Hi / Pixels - Lo / Pixels; // finite on the widest range
+  // Every pixel of a panel's span; on far larger ones, every pixel of a few thousand spread.
+  for (int32_t K = -3; K <= Pixels + 3; K += std::max(1, Pixels / 3000)) {
+    const double Half = Lo + (K + 0.5) * Step;
+    N.insert(N.end(), {Half, std::nextafter(Half, Inf), std::nextafter(Half, -Inf), Lo + K * Step});
+  }
+  std::mt19937 Random(static_cast<unsigned>(Pixels));
+  std::uniform_real_distribution<double> Along(-1.5, 2.5);
+  for (int K = 0; K < 2000; ++K)
+    N.push_back(Lo + Along(Random) * Step * Pixels);
+  return N;
+}
+
+// Every number lands on the pixel the axis gives it: through the inline linear mapping
+// (horizontal or vertical, reversed, zoomed, spans of part of the rectangle, an empty
+// range, ranges too wide for a double, rectangles that are empty, inverted or far out,
+// pixels that saturate before a mirror) and through the axis itself for log scales.
+TEST(PixelMap, LandsEveryNumberWhereTheAxisDoes) {
+  const TAxisOptions Rev{aoReversed}, Log{aoLogarithmic}, LogRev{aoLogarithmic, aoReversed};
+  const TMapCase Cases[] = {
+      {"Bottom", calBottom, {}, 0, 100, NaN, NaN, 0, 100, {0, 0, 1237, 40}, 0},
+      {"BottomReversed", calBottom, Rev, -3, 7.5, NaN, NaN, 0, 100, {13, 0, 700, 40}, 0},
+      {"TopZoomed", calTop, {}, 0, 1e6, 499000, 501000, 0, 100, {5, 0, 1605, 40}, 0},
+      {"Left", calLeft, {}, -244.5, 209.75, NaN, NaN, 0, 100, {0, 17, 40, 823}, 0},
+      {"LeftReversed", calLeft, Rev, -244.5, 209.75, NaN, NaN, 0, 100, {0, 17, 40, 823}, -3.5},
+      {"RightSpanOffset", calRight, {}, 0, 1, NaN, NaN, 10, 85, {0, 3, 40, 903}, 0.25},
+      {"LeftZoomedReversed", calLeft, Rev, -50, 50, -1, 1.5, 0, 100, {0, 0, 40, 300}, 0.3},
+      {"EmptyBottom", calBottom, {}, 5, 5, NaN, NaN, 0, 100, {10, 0, 110, 40}, 0},
+      {"EmptyLeftReversed", calLeft, Rev, 5, 5, NaN, NaN, 0, 100, {0, 0, 40, 100}, 1},
+      {"EmptyLogarithmic", calLeft, Log, 5, 5, NaN, NaN, 0, 100, {0, 0, 40, 100}, 0},
+      {"HugeBottom", calBottom, {}, -1e308, 1e308, NaN, NaN, 0, 100, {0, 0, 1000, 40}, 0},
+      {"HugeLeftReversed",
+       calLeft,
+       Rev,
+       -1.5e308,
+       1.7e308,
+       NaN,
+       NaN,
+       0,
+       100,
+       {0, 0, 40, 900},
+       1e300},
+      {"Tiny", calLeft, {}, 1e-300, 3e-300, NaN, NaN, 0, 100, {0, 0, 40, 500}, 0},
+      {"InvertedRect", calBottom, {}, 0, 10, NaN, NaN, 0, 100, {500, 0, 100, 40}, 0},
+      {"FlatRect", calLeft, {}, 0, 10, NaN, NaN, 0, 100, {0, 50, 40, 50}, 0},
+      {"FarRect", calRight, Rev, 0, 10, NaN, NaN, 0, 100, {0, -900000, 40, 1200000}, 0},
+      {"Logarithmic", calLeft, Log, 1, 1000, NaN, NaN, 0, 100, {0, 0, 40, 600}, 2},
+      {"LogarithmicReversed", calBottom, LogRev, 1, 1000, 10, 500, 0, 100, {0, 0, 800, 40}, 0},
+  };
+  for (const TMapCase& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    auto A = MakeAxis(C.Location, C.Min, C.Max);
+    A->SetOptions(A->Options() + C.Options);
+    A->SetEndPosition(C.End);
+    A->SetStartPosition(C.Start);
+    if (!std::isnan(C.ZoomMin)) {
+      A->SetZoomMaximum(C.ZoomMax);
+      A->SetZoomMinimum(C.ZoomMin);
+      ASSERT_EQ(A->ZoomMinimum(), C.ZoomMin);
+      ASSERT_EQ(A->ZoomMaximum(), C.ZoomMax);
+    }
+    // One axis on both sides: the map reads each axis for what it is, not for its side.
+    const TKXPixelMap Map{A.get(), A.get(), C.Rect, C.YOffset};
+    int32_t Wrong = 0;
+    std::string First;
+    for (const double N : MapNumbers(*A, C.Rect)) {
+      const int32_t X = A->AxisToPixel(N, C.Rect), Y = A->AxisToPixel(C.YOffset + N, C.Rect);
+      if (Map.PX(N) == X && Map.PY(N) == Y) continue;
+      if (Wrong++ == 0)
+        First = testing::PrintToString(N) + ": " + std::to_string(Map.PX(N)) + " for " +
+                std::to_string(X) + ", " + std::to_string(Map.PY(N)) + " for " + std::to_string(Y);
+    }
+    EXPECT_EQ(Wrong, 0) << "first " << First;
+  }
+}
+
 // --- The summary follows its values ---
 
 class ValueSummary : public ChartAlone<TRecLineChart> {
@@ -306,6 +423,83 @@ TEST_F(ValueSummary, SlidesWithALimitAcrossManyCompactions) {
     ExpectMatchesValues("round " + std::to_string(Round));
   }
   EXPECT_EQ(V->Count(), 1500);
+}
+
+// The walks over blocks against a plain pass over the values, on ranges that start and end
+// on and beside the block edges of every level, also after the front of the series moved
+// on (its first leaves are dead slots then, and index edges are not block edges). Numbers
+// repeat, and zeros of both signs are among the lowest Ys and the highest Xs: of equal
+// numbers the first is the one to report, as a pass from the left reports it.
+TEST_F(ValueSummary, BlockWalksAgreeWithAPlainPassAtEveryBlockEdge) {
+  TKX2DChartValues* V = Chart->Values();
+  V->SetSorted(false);
+  const double Ys[] = {-0.0, 0.0, 1, 2, NaN};
+  const double Xs[] = {-0.0, 0.0, -1, -2, Inf};
+  const int32_t N = 4096 + 300;
+  std::mt19937 Random(5);
+  {
+    TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+    for (int32_t I = 0; I < N; ++I)
+      V->Add(Xs[Random() % 5], Ys[Random() % 5]);
+  }
+  struct TExtent {
+    bool Any = false;
+    double Lo = 0, Hi = 0;
+    void Take(double Number) {
+      if (!std::isfinite(Number)) return;
+      if (!Any || Number < Lo) Lo = Number;
+      if (!Any || Number > Hi) Hi = Number;
+      Any = true;
+    }
+  };
+  const auto Same = [](bool Any, double Lo, double Hi, const TExtent& E) {
+    return Any == E.Any &&
+           (!Any || (Lo == E.Lo && Hi == E.Hi && std::signbit(Lo) == std::signbit(E.Lo) &&
+                     std::signbit(Hi) == std::signbit(E.Hi)));
+  };
+  const auto High = [](double, double Hi) { return Hi > 1.5; };
+  const auto Low = [](double Lo, double) { return Lo < 0.5; };
+  for (const int32_t Front : {0, 37, 300}) {
+    if (Front > 0) V->SetLimit(N - Front);
+    SCOPED_TRACE(testing::Message() << Front << " values gone from the front");
+    const TKXValueSummary& S = V->Summary();
+    const int32_t Count = S.Count();
+    ASSERT_EQ(Count, N - Front);
+    std::vector<int32_t> Edges{0, 1, 2, Count - 2, Count - 1};
+    for (const int32_t Block : {16, 256, 4096})
+      for (int32_t M = 1; M <= 3; ++M)
+        for (const int32_t D : {-1, 0, 1})
+          if (const int32_t E = M * Block + D - Front; E >= 0 && E < Count) Edges.push_back(E);
+    int32_t Wrong = 0;
+    std::string First;
+    for (const int32_t A : Edges)
+      for (const int32_t B : Edges) {
+        if (A > B) continue;
+        TExtent EY, EX;
+        int32_t FirstHigh = -1, LastHigh = -1, FirstLow = -1, LastLow = -1;
+        for (int32_t I = A; I <= B; ++I) {
+          const double Y = V->Items(I)->Y();
+          EY.Take(Y);
+          EX.Take(V->Items(I)->X());
+          if (std::isfinite(Y) && Y > 1.5) {
+            if (FirstHigh < 0) FirstHigh = I;
+            LastHigh = I;
+          }
+          if (std::isfinite(Y) && Y < 0.5) {
+            if (FirstLow < 0) FirstLow = I;
+            LastLow = I;
+          }
+        }
+        double Lo = 0, Hi = 0, XLo = 0, XHi = 0;
+        const bool AnyY = S.MinMax(A, B, Lo, Hi), AnyX = S.XMinMax(A, B, XLo, XHi);
+        const bool Right = Same(AnyY, Lo, Hi, EY) && Same(AnyX, XLo, XHi, EX) &&
+                           S.FirstWhere(A, B, High) == FirstHigh &&
+                           S.LastWhere(A, B, High) == LastHigh &&
+                           S.FirstWhere(A, B, Low) == FirstLow && S.LastWhere(A, B, Low) == LastLow;
+        if (!Right && Wrong++ == 0) First = std::to_string(A) + ".." + std::to_string(B);
+      }
+    EXPECT_EQ(Wrong, 0) << "first " << First;
+  }
 }
 
 TEST_F(ValueSummary, ReadsEverythingAgainAfterASort) {
