@@ -412,23 +412,26 @@ int32_t TKXChartAxis::AxisToPixel(double Value) const {
 }
 
 int32_t TKXChartAxis::AxisToPixel(double Value, const TRect& ChartRect) const {
-  const double Lo = FZoomMinimum, Hi = FZoomMaximum;
-  if (Lo == Hi || !FOptions.Contains(aoLogarithmic)) return LinearToPixel(Value, ChartRect, Lo, Hi);
-  return LogToPixel(Value, ChartRect, Lo, Hi);
+  TKXLinearPixels Linear;
+  if (LinearPixels(ChartRect, Linear)) return Linear.Pixel(Value);
+  return LogToPixel(Value, ChartRect, FZoomMinimum, FZoomMaximum);
 }
 
-int32_t TKXChartAxis::LinearToPixel(double Value, const TRect& R, double Lo, double Hi) const {
+bool TKXChartAxis::LinearPixels(const TRect& ChartRect, TKXLinearPixels& Out) const {
+  const double Lo = FZoomMinimum, Hi = FZoomMaximum;
+  if (Lo != Hi && FOptions.Contains(aoLogarithmic)) return false;
   int32_t S, E;
-  Span(R, S, E);
-  double Fraction = Hi == Lo ? Value - Lo : (Value - Lo) / (Hi - Lo);
-  // A range wider than a double holds (-1e308..1e308) is measured in halves.
-  if (!std::isfinite(Hi - Lo) && std::isfinite(Hi) && std::isfinite(Lo))
-    Fraction = (Value / 2 - Lo / 2) / (Hi / 2 - Lo / 2);
-  int32_t P = CanvasRound(Fraction * (static_cast<double>(E) - S) + S);
-  if (IsVertical()) P = MirrorPixel(P, S, E);
-  if (FOptions.Contains(aoReversed)) P = MirrorPixel(P, S, E);
-  return P;
+  Span(ChartRect, S, E);
+  Out = TKXLinearPixels(Lo, Hi, S, E, IsVertical(), FOptions.Contains(aoReversed));
+  return true;
 }
+
+TKXLinearPixels::TKXLinearPixels(double Lo, double Hi, int32_t S, int32_t E, bool Vertical,
+                                 bool Reversed)
+    : FEmpty(Lo == Hi), FHalves(!std::isfinite(Hi - Lo) && std::isfinite(Hi) && std::isfinite(Lo)),
+      FVertical(Vertical), FReversed(Reversed), FLo(Lo), FSize(Hi - Lo), FHalfLo(Lo / 2),
+      FHalfSize(Hi / 2 - Lo / 2), FStart(S), FLength(static_cast<double>(E) - S),
+      FEnds(int64_t(S) + E) {}
 
 int32_t TKXChartAxis::LogToPixel(double Value, const TRect& ChartRect, double Lo, double Hi) const {
   TRect R = ChartRect;

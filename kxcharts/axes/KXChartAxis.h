@@ -88,6 +88,42 @@ using TGetTextDimMethod = std::function<int32_t(const std::string& Text)>;
 
 // --- TKXChartAxis ---
 
+// Where a linear axis (or one with an empty range) puts values on one rectangle, its
+// constants taken once: the mapping AxisToPixel uses for such an axis, kept by callers
+// that map many values.
+class TKXLinearPixels {
+public:
+  TKXLinearPixels() = default;
+  // The range Lo..Hi on the span S..E, mirrored for a vertical and for a reversed axis.
+  TKXLinearPixels(double Lo, double Hi, int32_t S, int32_t E, bool Vertical, bool Reversed);
+
+  int32_t Pixel(double Value) const {
+    const double Fraction = FHalves  ? (Value / 2 - FHalfLo) / FHalfSize
+                            : FEmpty ? Value - FLo
+                                     : (Value - FLo) / FSize;
+    int32_t P = CanvasRound(Fraction * FLength + FStart);
+    if (FVertical) P = Mirror(P);
+    if (FReversed) P = Mirror(P);
+    return P;
+  }
+
+private:
+  // E - (P - S) is a whole number held exactly: only its saturation is left to do.
+  int32_t Mirror(int32_t P) const {
+    const int64_t M = FEnds - P;
+    return static_cast<int32_t>(M < -KXMaxCanvasInt ? -KXMaxCanvasInt
+                                : M > KXMaxCanvasInt ? KXMaxCanvasInt
+                                                     : M);
+  }
+
+  bool FEmpty = false;  // Lo == Hi: the fraction is the distance from Lo
+  bool FHalves = false; // a range wider than a double holds (-1e308..1e308), in halves
+  bool FVertical = false;
+  bool FReversed = false;
+  double FLo = 0, FSize = 0, FHalfLo = 0, FHalfSize = 0, FStart = 0, FLength = 0;
+  int64_t FEnds = 0; // the span's start and end added up
+};
+
 class TKXChartAxis : public TKXChartGraphicArea {
   KX_CLASS(TKXChartAxis, TKXChartGraphicArea)
 
@@ -252,8 +288,8 @@ public:
   // the range give its low end. Every input gives a defined pixel (NaN the start of the
   // span, huge values saturated). A log-cycle axis raises what CalcLogCycles raises.
   int32_t AxisToPixel(double Value, const TRect& ChartRect) const;
-  // The span's start S and end E on ChartRect, for mapping many values at once.
-  void PixelSpan(const TRect& ChartRect, int32_t& S, int32_t& E) const { Span(ChartRect, S, E); }
+  // True for a linear scale or an empty range, with Out what AxisToPixel does on ChartRect.
+  bool LinearPixels(const TRect& ChartRect, TKXLinearPixels& Out) const;
   // The value at Pixel on the owner's plot rectangle (0, 0, 100, 100 without an owner).
   virtual double PixelToAxis(int32_t Pixel, bool IgnoreZoom) const;
   // The value at Pixel on ChartRect, on the whole range with IgnoreZoom, else on the
@@ -400,7 +436,6 @@ protected:
   TAxisLabelStyle GetAxisLabelStyle() const;
 
 private:
-  int32_t LinearToPixel(double Value, const TRect& R, double Lo, double Hi) const;
   int32_t LogToPixel(double Value, const TRect& R, double Lo, double Hi) const;
   int32_t SimpleLogToPixel(double Value, TKXLogarithmicType Type, const TRect& R, double A,
                            double B) const;

@@ -1,7 +1,6 @@
 #include "kxcharts/charts/KXLineReduction.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "kxcharts/axes/KXChartAxis.h"
 
@@ -124,29 +123,8 @@ void ReduceColumn(const TKXValueSummary& S, const TKXPixelMap& Map, int32_t A, i
 
 TKXPixelMap::TKXPixelMap(const TKXChartAxis* Horizontal, const TKXChartAxis* Vertical,
                          const TRect& Rect, double YOffset)
-    : FHorizontal(Horizontal), FVertical(Vertical), FRect(Rect), FYOffset(YOffset) {
-  FX.Take(Horizontal, Rect);
-  FY.Take(Vertical, Rect);
-}
-
-void TKXPixelMap::TLinear::Take(const TKXChartAxis* Axis, const TRect& Rect) {
-  const double L = Axis->ZoomMinimum(), H = Axis->ZoomMaximum();
-  Linear = L == H || !Axis->Options().Contains(aoLogarithmic);
-  if (!Linear) return;
-  int32_t S = 0, E = 0;
-  Axis->PixelSpan(Rect, S, E);
-  Empty = L == H;
-  Halves = !std::isfinite(H - L) && std::isfinite(H) && std::isfinite(L);
-  Vertical = Axis->IsVertical();
-  Reversed = Axis->Options().Contains(aoReversed);
-  Lo = L;
-  Size = H - L;
-  HalfLo = L / 2;
-  HalfSize = H / 2 - L / 2;
-  Start = S;
-  Ends = int64_t(S) + E;
-  Length = static_cast<double>(E) - S;
-}
+    : FHorizontal(Horizontal), FVertical(Vertical), FRect(Rect), FYOffset(YOffset),
+      FLinearX(Horizontal->LinearPixels(Rect, FX)), FLinearY(Vertical->LinearPixels(Rect, FY)) {}
 
 int32_t TKXPixelMap::OnAxis(const TKXChartAxis* Axis, double Value) const {
   return Axis->AxisToPixel(Value, FRect);

@@ -9,67 +9,38 @@
 // segment reaches it from, and the last point. The joins at the column's edges are then
 // the same as those of the full polyline, and a turn back inside a column adds no pixel.
 
-#include <algorithm>
 #include <cstdint>
 
+#include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXValueSummary.h"
 #include "kxcharts/toolkit/KXGraphics.h"
 #include "kxcharts/toolkit/KXTypes.h"
 
 namespace kx {
 
-class TKXChartAxis;
-
 // Where a value's numbers land: the chart's two axes on Rect, Y lifted by YOffset (a
 // stacking offset). The same arithmetic as the chart's own points. A reduction maps tens
-// of numbers per pixel column, so a linear axis is mapped here, inline, by the axis's own
-// expression evaluated in the same order (which gives its pixel to the bit); any other
-// scale asks the axis.
+// of numbers per pixel column, so a linear axis's mapping is taken once and applied inline;
+// any other scale asks the axis.
 class TKXPixelMap {
 public:
   TKXPixelMap(const TKXChartAxis* Horizontal, const TKXChartAxis* Vertical, const TRect& Rect,
               double YOffset);
 
-  int32_t PX(double X) const { return FX.Linear ? FX.Pixel(X) : OnAxis(FHorizontal, X); }
+  int32_t PX(double X) const { return FLinearX ? FX.Pixel(X) : OnAxis(FHorizontal, X); }
   int32_t PY(double Y) const {
-    return FY.Linear ? FY.Pixel(FYOffset + Y) : OnAxis(FVertical, FYOffset + Y);
+    return FLinearY ? FY.Pixel(FYOffset + Y) : OnAxis(FVertical, FYOffset + Y);
   }
 
 private:
-  // One axis's linear mapping, its constants taken once.
-  struct TLinear {
-    bool Linear = false;
-    bool Empty = false;  // Lo == Hi: the fraction is the distance from Lo
-    bool Halves = false; // a range wider than a double holds, measured in halves
-    bool Vertical = false;
-    bool Reversed = false;
-    double Lo = 0, Size = 0, HalfLo = 0, HalfSize = 0, Start = 0, Length = 0;
-    int64_t Ends = 0; // the span's start and end added up
-
-    void Take(const TKXChartAxis* Axis, const TRect& Rect);
-    int32_t Pixel(double Value) const {
-      const double Fraction = Halves  ? (Value / 2 - HalfLo) / HalfSize
-                              : Empty ? Value - Lo
-                                      : (Value - Lo) / Size;
-      int32_t P = CanvasRound(Fraction * Length + Start);
-      if (Vertical) P = Mirror(P);
-      if (Reversed) P = Mirror(P);
-      return P;
-    }
-    // The axis mirrors by rounding E - (P - S) in doubles; that is a whole number held
-    // exactly, so the rounding only saturates it, which integers do without conversions.
-    int32_t Mirror(int32_t P) const {
-      return static_cast<int32_t>(std::clamp<int64_t>(Ends - P, -KXMaxCanvasInt, KXMaxCanvasInt));
-    }
-  };
-
   int32_t OnAxis(const TKXChartAxis* Axis, double Value) const;
 
   const TKXChartAxis* FHorizontal;
   const TKXChartAxis* FVertical;
   TRect FRect;
   double FYOffset;
-  TLinear FX, FY;
+  TKXLinearPixels FX, FY;
+  bool FLinearX, FLinearY;
 };
 
 // Appends to Points the vertices that draw the values From..To of Summary (all plain, with

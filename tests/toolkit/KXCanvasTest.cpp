@@ -193,6 +193,28 @@ TEST(Canvas, PatternedRowsAndColumnsPaintTheirDashes) {
       }
 }
 
+// How far ColumnPolyline's picture of Points lies from Polyline's, in navy on white of Size,
+// and how many pixels Polyline paints.
+struct TBothWays {
+  test::TPictureDifference Difference;
+  int32_t Painted = 0;
+};
+
+TBothWays PolylineBothWays(const TCanvasPoints& Points, TSize Size, int32_t Width, bool Antialias) {
+  const auto Paint = [&](bool Columns) {
+    TOwned<TBitmap> B = MakeBitmap(Size.cx, Size.cy, Antialias);
+    B->Canvas()->Pen()->SetWidth(Width);
+    B->Canvas()->Pen()->SetColor(clNavy);
+    if (Columns)
+      B->Canvas()->ColumnPolyline(Points);
+    else
+      B->Canvas()->Polyline(Points);
+    return B;
+  };
+  const TOwned<TBitmap> Whole = Paint(false), Columns = Paint(true);
+  return {test::ComparePictures(Whole.get(), Columns.get()), CountPainted(Whole.get())};
+}
+
 // A line that runs up and down pixel columns, as a long series reduced per column draws:
 // per column a lead-in from the last one, a span and a way out, with now and then a jump
 // over several columns and a flat stretch. ColumnPolyline must paint what Polyline does:
@@ -214,28 +236,13 @@ TEST(Canvas, ColumnPolylinePaintsWhatPolylinePaints) {
   for (const bool Antialias : {false, true})
     for (const int32_t Width : {1, 2, 3, 4}) {
       SCOPED_TRACE(testing::Message() << "width " << Width << (Antialias ? " antialiased" : ""));
-      const auto Paint = [&](bool Columns) {
-        TOwned<TBitmap> B = MakeBitmap(120, 80, Antialias);
-        B->Canvas()->Pen()->SetWidth(Width);
-        B->Canvas()->Pen()->SetColor(clNavy);
-        if (Columns)
-          B->Canvas()->ColumnPolyline(Points);
-        else
-          B->Canvas()->Polyline(Points);
-        return B;
-      };
-      const TOwned<TBitmap> Whole = Paint(false), Columns = Paint(true);
-      const test::TPictureDifference D = test::ComparePictures(Whole.get(), Columns.get());
+      const TBothWays Both = PolylineBothWays(Points, {120, 80}, Width, Antialias);
       const bool Exact = !Antialias || Width % 2 == 1;
-      EXPECT_LE(D.Worst, Exact ? 0 : 2);
-      EXPECT_LE(D.Pixels, Exact ? 0 : CountPainted(Whole.get()) / 100);
+      EXPECT_LE(Both.Difference.Worst, Exact ? 0 : 2);
+      EXPECT_LE(Both.Difference.Pixels, Exact ? 0 : Both.Painted / 100);
     }
 }
 
-// A level segment between two vertical ones, the commonest join of a dense line, is painted
-// as boxes: its stroke and its miter corners have whole-pixel edges, so the pixels must be
-// exactly the stroke's, whichever way the line comes in, goes on and turns, also when it
-// starts or ends level, and inside an opacity layer, where the boxes go through Cairo.
 // A dense line as a long series reduced per column draws it: per column a step in, a span
 // and a step out, the joins between columns one pixel long each way. Those joins are
 // stamped (blended from a coverage rendered once per shape), and must stay within the same
@@ -257,23 +264,16 @@ TEST(Canvas, ColumnPolylineOfADenseLinePaintsWhatPolylinePaints) {
         Y = std::clamp(Y + Step(Random), Lo, Hi);
         Points.push_back({X, Y});
       }
-      const auto Paint = [&](bool Columns) {
-        TOwned<TBitmap> B = MakeBitmap(400, 200, true);
-        B->Canvas()->Pen()->SetWidth(Width);
-        B->Canvas()->Pen()->SetColor(clNavy);
-        if (Columns)
-          B->Canvas()->ColumnPolyline(Points);
-        else
-          B->Canvas()->Polyline(Points);
-        return B;
-      };
-      const TOwned<TBitmap> Whole = Paint(false), Columns = Paint(true);
-      const test::TPictureDifference D = test::ComparePictures(Whole.get(), Columns.get());
-      EXPECT_LE(D.Worst, 2);
-      EXPECT_LE(D.Pixels, CountPainted(Whole.get()) / 100);
+      const TBothWays Both = PolylineBothWays(Points, {400, 200}, Width, true);
+      EXPECT_LE(Both.Difference.Worst, 2);
+      EXPECT_LE(Both.Difference.Pixels, Both.Painted / 100);
     }
 }
 
+// A level segment between two vertical ones, the commonest join of a dense line, is painted
+// as boxes: its stroke and its miter corners have whole-pixel edges, so the pixels must be
+// exactly the stroke's, whichever way the line comes in, goes on and turns, also when it
+// starts or ends level, and inside an opacity layer, where the boxes go through Cairo.
 TEST(Canvas, ColumnPolylinePaintsLevelJoinsExactly) {
   for (const int32_t Width : {2, 4, 6})
     for (const int32_t In : {-1, 0, 1})     // 0: the line starts level
