@@ -17,6 +17,15 @@ namespace kx {
 namespace {
 
 constexpr double Pi = 3.14159265358979323846;
+constexpr double MiterLimit = 2.0;
+
+// How every line of a canvas ends and turns. Right angles keep square corners; sharper ones
+// are bevelled instead of growing spikes.
+void SetLineEnds(cairo_t* Cr) {
+  cairo_set_line_cap(Cr, CAIRO_LINE_CAP_BUTT);
+  cairo_set_line_join(Cr, CAIRO_LINE_JOIN_MITER);
+  cairo_set_miter_limit(Cr, MiterLimit);
+}
 
 // Cairo wants premultiplied ARGB as native 32-bit words; TColor keeps red in the low byte.
 uint32_t ColorToPixelRGB(TColor Color) {
@@ -300,10 +309,7 @@ void TCanvas::Bind(cairo_surface_t* Surface, int32_t Width, int32_t Height) {
 }
 
 void TCanvas::ResetState() {
-  cairo_set_line_cap(FCairo, CAIRO_LINE_CAP_BUTT);
-  cairo_set_line_join(FCairo, CAIRO_LINE_JOIN_MITER);
-  // Right angles keep square corners; sharper ones are bevelled instead of growing spikes.
-  cairo_set_miter_limit(FCairo, 2.0);
+  SetLineEnds(FCairo);
 }
 
 void TCanvas::Finish() {
@@ -584,9 +590,7 @@ void TCanvas::RasterPaint(cairo_path_t* Path, bool Fill, TBrushStyle FillStyle, 
   } else {
     std::swap(FCairo, M);
     SetPenStroke();
-    cairo_set_line_cap(FCairo, CAIRO_LINE_CAP_BUTT);
-    cairo_set_line_join(FCairo, CAIRO_LINE_JOIN_MITER);
-    cairo_set_miter_limit(FCairo, 2.0);
+    SetLineEnds(FCairo);
     std::swap(FCairo, M);
     cairo_set_source_rgba(M, 0, 0, 0, 1);
     cairo_stroke(M);
@@ -849,9 +853,7 @@ const TCanvas::TStamp* TCanvas::Stamp(std::span<const TVertex> Run) {
     cairo_set_antialias(M, cairo_get_antialias(FCairo));
     cairo_set_tolerance(M, cairo_get_tolerance(FCairo));
     cairo_set_line_width(M, EffectivePenWidth());
-    cairo_set_line_cap(M, cairo_get_line_cap(FCairo));
-    cairo_set_line_join(M, cairo_get_line_join(FCairo));
-    cairo_set_miter_limit(M, cairo_get_miter_limit(FCairo));
+    SetLineEnds(M);
     cairo_move_to(M, Run[0].X - O.X - S.Left, Run[0].Y - O.Y - S.Top);
     for (size_t K = 1; K < Run.size(); ++K)
       cairo_line_to(M, Run[K].X - O.X - S.Left, Run[K].Y - O.Y - S.Top);
@@ -895,10 +897,14 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
   // Odd pens run on pixel centres, so a box would end half way into a pixel, which the
   // stroke through it would blend a second time. The test whether a stroke would add
   // anything reads every box within the half width, in every column the stroke covers:
-  // wide pens are left to the stroke. Files keep the line one path.
+  // wide pens are left to the stroke. Files keep the line one path. Boxes and stamps are
+  // the shapes of the canvas's own line ends, which a helper drawing on Handle() may have
+  // changed.
   const int32_t Width = EffectivePenWidth();
   if (FKind == skSvg || FKind == skPdf || cairo_get_antialias(FCairo) == CAIRO_ANTIALIAS_NONE ||
-      RasterMode() ||
+      RasterMode() || cairo_get_line_cap(FCairo) != CAIRO_LINE_CAP_BUTT ||
+      cairo_get_line_join(FCairo) != CAIRO_LINE_JOIN_MITER ||
+      cairo_get_miter_limit(FCairo) != MiterLimit ||
       FPen->Style() != psSolid || FPen->Mode() != pmCopy || Width % 2 == 1 ||
       Width > MaxColumnPen) {
     Polyline(Points);

@@ -268,6 +268,20 @@ TEST(Canvas, ColumnPolylineOfADenseLinePaintsWhatPolylinePaints) {
       EXPECT_LE(Both.Difference.Worst, 2);
       EXPECT_LE(Both.Difference.Pixels, Both.Painted / 100);
     }
+  // Round ends set on the handle by a drawing helper are the stroke's: no boxes, no stamps.
+  const TPoint Steps[] = {{5, 5}, {5, 15}, {6, 15}, {6, 5}, {7, 6}, {7, 16}};
+  const auto Round = [&](bool Columns) {
+    TOwned<TBitmap> B = MakeBitmap(20, 20, true);
+    cairo_set_line_cap(B->Canvas()->Handle(), CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(B->Canvas()->Handle(), CAIRO_LINE_JOIN_ROUND);
+    B->Canvas()->Pen()->SetWidth(4);
+    if (Columns)
+      B->Canvas()->ColumnPolyline(Steps);
+    else
+      B->Canvas()->Polyline(Steps);
+    return B;
+  };
+  EXPECT_EQ(test::PixelBytes(Round(true).get()), test::PixelBytes(Round(false).get()));
 }
 
 // A level segment between two vertical ones, the commonest join of a dense line, is painted
