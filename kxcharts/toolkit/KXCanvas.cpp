@@ -157,10 +157,15 @@ int32_t PangoCeil(int Units) {
 // --- Text state ---
 
 // The Pango objects a canvas keeps between calls. The layout lives as long as the canvas; the
-// font description is rebuilt only when the font's revision moves.
+// font description is looked up again only when the font's revision moves.
 struct TCanvas::TTextState {
   PangoLayout* Layout = nullptr;
-  PangoFontDescription* Desc = nullptr;
+  PangoFontDescription* Desc = nullptr; // one of Descs
+  // Descriptions by FontKey: a panel's elements take turns with a few fonts, and making a
+  // description asks the font for its metrics, which costs more than laying out a label.
+  // Emptied when it grows past MaxDescs.
+  std::unordered_map<std::string, PangoFontDescription*> Descs;
+  static constexpr size_t MaxDescs = 64;
   uint64_t FontRevision = ~uint64_t(0);
   bool FontUnderline = false;
   bool FontStrikeOut = false;
@@ -175,7 +180,13 @@ struct TCanvas::TTextState {
 
   ~TTextState() {
     if (Layout) g_object_unref(Layout);
-    if (Desc) pango_font_description_free(Desc);
+    ForgetDescs();
+  }
+  void ForgetDescs() {
+    for (const auto& Entry : Descs)
+      pango_font_description_free(Entry.second);
+    Descs.clear();
+    Desc = nullptr;
   }
 };
 
@@ -201,32 +212,37 @@ TCanvas::TTextState& TCanvas::Text() {
                             std::to_string(FFont->Style().Bits());
     if (T.Desc && Key == T.FontKey) return T;
     T.FontKey = Key;
-    if (T.Desc) pango_font_description_free(T.Desc);
-    T.Desc = pango_font_description_new();
-    pango_font_description_set_family(T.Desc, FFont->Name().c_str());
     const TFontStyles Style = FFont->Style();
-    pango_font_description_set_weight(T.Desc, Style.Contains(fsBold) ? PANGO_WEIGHT_BOLD
-                                                                     : PANGO_WEIGHT_NORMAL);
-    pango_font_description_set_style(T.Desc, Style.Contains(fsItalic) ? PANGO_STYLE_ITALIC
-                                                                      : PANGO_STYLE_NORMAL);
-    int32_t H = FFont->Height();
-    if (H == 0) {
-      TOwned<TFont> Default = MakeOwned<TFont>();
-      H = Default->Height();
+    auto It = T.Descs.find(Key);
+    if (It == T.Descs.end()) {
+      if (T.Descs.size() >= TTextState::MaxDescs) T.ForgetDescs();
+      PangoFontDescription* D = pango_font_description_new();
+      pango_font_description_set_family(D, FFont->Name().c_str());
+      pango_font_description_set_weight(D, Style.Contains(fsBold) ? PANGO_WEIGHT_BOLD
+                                                                  : PANGO_WEIGHT_NORMAL);
+      pango_font_description_set_style(D, Style.Contains(fsItalic) ? PANGO_STYLE_ITALIC
+                                                                   : PANGO_STYLE_NORMAL);
+      int32_t H = FFont->Height();
+      if (H == 0) {
+        TOwned<TFont> Default = MakeOwned<TFont>();
+        H = Default->Height();
+      }
+      double Em = H < 0 ? -H : H;
+      if (H > 0) {
+        // A positive height is the cell (ascent plus descent): ask the font for its ratio.
+        pango_font_description_set_absolute_size(D, Em * PANGO_SCALE);
+        PangoFontMetrics* M =
+            pango_context_get_metrics(pango_layout_get_context(T.Layout), D, nullptr);
+        const double Cell =
+            double(pango_font_metrics_get_ascent(M) + pango_font_metrics_get_descent(M)) /
+            PANGO_SCALE;
+        pango_font_metrics_unref(M);
+        if (Cell > 0) Em = Em * Em / Cell;
+      }
+      pango_font_description_set_absolute_size(D, std::max(1.0, Em) * PANGO_SCALE);
+      It = T.Descs.emplace(Key, D).first;
     }
-    double Em = H < 0 ? -H : H;
-    if (H > 0) {
-      // A positive height is the cell (ascent plus descent): ask the font for its ratio.
-      pango_font_description_set_absolute_size(T.Desc, Em * PANGO_SCALE);
-      PangoFontMetrics* M =
-          pango_context_get_metrics(pango_layout_get_context(T.Layout), T.Desc, nullptr);
-      const double Cell =
-          double(pango_font_metrics_get_ascent(M) + pango_font_metrics_get_descent(M)) /
-          PANGO_SCALE;
-      pango_font_metrics_unref(M);
-      if (Cell > 0) Em = Em * Em / Cell;
-    }
-    pango_font_description_set_absolute_size(T.Desc, std::max(1.0, Em) * PANGO_SCALE);
+    T.Desc = It->second;
     pango_layout_set_font_description(T.Layout, T.Desc);
     T.FontUnderline = Style.Contains(fsUnderline);
     T.FontStrikeOut = Style.Contains(fsStrikeOut);

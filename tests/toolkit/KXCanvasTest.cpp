@@ -507,6 +507,8 @@ TEST_F(CanvasFixture, TextExtentsGrowWithFontSize) {
   const TOwned<TBitmap> Fresh = MakeBitmap(10, 10);
   Fresh->Canvas()->SetFont(C->Font());
   EXPECT_EQ(Fresh->Canvas()->TextExtent("Revenue 2024"), Plain);
+  // A text first measured after the font came back is laid out in that font.
+  EXPECT_EQ(C->TextExtent("Costs 2025"), Fresh->Canvas()->TextExtent("Costs 2025"));
 }
 
 TEST_F(CanvasFixture, TextPaintsInsideItsMeasuredBoxAndMovesThePen) {
