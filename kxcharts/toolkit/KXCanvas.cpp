@@ -156,10 +156,13 @@ int32_t PangoCeil(int Units) {
 
 // --- Text state ---
 
-// The Pango objects a canvas keeps between calls. The layout lives as long as the canvas; the
+// The Pango objects a canvas keeps between calls. The layouts live as long as the canvas; the
 // font description is looked up again only when the font's revision moves.
 struct TCanvas::TTextState {
-  PangoLayout* Layout = nullptr;
+  PangoLayout* Layout = nullptr;  // texts with options (wrapped, cut, aligned, underlined)
+  PangoLayout* Current = nullptr; // the one last laid out: Layout or one of Laid
+  PangoLayout* Turned = nullptr;  // rotated text, on a context of its own, so that turning
+                                  // it leaves the laid out texts laid out
   PangoFontDescription* Desc = nullptr; // one of Descs
   // Descriptions by FontKey: a panel's elements take turns with a few fonts, and making a
   // description asks the font for its metrics, which costs more than laying out a label.
@@ -169,17 +172,24 @@ struct TCanvas::TTextState {
   uint64_t FontRevision = ~uint64_t(0);
   bool FontUnderline = false;
   bool FontStrikeOut = false;
-  bool HasAttributes = false;
-  // What of the font decides a text's size: a font assigned again with the same values
-  // keeps its description, and the sizes measured with it.
+  // What of the font decides a text's look: a font assigned again with the same values
+  // keeps its description, and the texts laid out with it.
   std::string FontKey;
-  // Sizes of texts measured by TextExtent, by FontKey and text: axes and legends measure
-  // the same labels on every paint. Emptied when it grows past MaxExtents.
-  std::unordered_map<std::string, TSize> Extents;
-  static constexpr size_t MaxExtents = 4096;
+  // Plain texts (one line, no options) laid out, by FontKey and text, with their sizes:
+  // axes and legends measure and draw the same labels on every paint, and shaping them is
+  // most of what text costs. Emptied when it grows past MaxLaid.
+  struct TLaid {
+    PangoLayout* Layout;
+    TSize Size;
+    int32_t LogicalX;
+  };
+  std::unordered_map<std::string, TLaid> Laid;
+  static constexpr size_t MaxLaid = 1024;
 
   ~TTextState() {
+    ForgetLaid();
     if (Layout) g_object_unref(Layout);
+    if (Turned) g_object_unref(Turned);
     ForgetDescs();
   }
   void ForgetDescs() {
@@ -188,22 +198,36 @@ struct TCanvas::TTextState {
     Descs.clear();
     Desc = nullptr;
   }
+  void ForgetLaid() {
+    for (const auto& Entry : Laid)
+      g_object_unref(Entry.second.Layout);
+    Laid.clear();
+    Current = Layout;
+  }
 };
+
+namespace {
+// A layout on a context of its own that measures as every output measures.
+PangoLayout* NewTextLayout(cairo_t* Cr) {
+  PangoLayout* Layout = pango_cairo_create_layout(Cr);
+  PangoContext* Context = pango_layout_get_context(Layout);
+  // Unhinted metrics: a text is as wide on a bitmap as in an SVG or a PDF.
+  cairo_font_options_t* Options = cairo_font_options_create();
+  cairo_font_options_set_hint_metrics(Options, CAIRO_HINT_METRICS_OFF);
+  cairo_font_options_set_hint_style(Options, CAIRO_HINT_STYLE_NONE);
+  cairo_font_options_set_antialias(Options, CAIRO_ANTIALIAS_GRAY);
+  pango_cairo_context_set_font_options(Context, Options);
+  cairo_font_options_destroy(Options);
+  pango_cairo_context_set_resolution(Context, TFont::PixelsPerInch);
+  pango_layout_context_changed(Layout);
+  return Layout;
+}
+} // namespace
 
 TCanvas::TTextState& TCanvas::Text() {
   if (!FText) {
     FText = std::make_unique<TTextState>();
-    FText->Layout = pango_cairo_create_layout(FCairo);
-    PangoContext* Context = pango_layout_get_context(FText->Layout);
-    // Unhinted metrics: a text is as wide on a bitmap as in an SVG or a PDF.
-    cairo_font_options_t* Options = cairo_font_options_create();
-    cairo_font_options_set_hint_metrics(Options, CAIRO_HINT_METRICS_OFF);
-    cairo_font_options_set_hint_style(Options, CAIRO_HINT_STYLE_NONE);
-    cairo_font_options_set_antialias(Options, CAIRO_ANTIALIAS_GRAY);
-    pango_cairo_context_set_font_options(Context, Options);
-    cairo_font_options_destroy(Options);
-    pango_cairo_context_set_resolution(Context, TFont::PixelsPerInch);
-    pango_layout_context_changed(FText->Layout);
+    FText->Layout = FText->Current = NewTextLayout(FCairo);
   }
   TTextState& T = *FText;
   if (T.FontRevision != FFont->Revision()) {
@@ -1214,57 +1238,90 @@ void TCanvas::DrawFocusRect(const TRect& R) {
 
 // --- Text ---
 
+namespace {
+// Puts Text (the part before a NUL, made valid UTF-8) on Layout with Options, and the font's
+// underline and strike-out with the characters Options underlines.
+void SetUpLayout(PangoLayout* Layout, std::string_view Text, const TCanvas::TTextLayout& Options,
+                 bool Underline, bool StrikeOut) {
+  if (g_utf8_validate(Text.data(), static_cast<gssize>(Text.size()), nullptr)) {
+    pango_layout_set_text(Layout, Text.data(), static_cast<int>(Text.size()));
+  } else {
+    gchar* Valid = g_utf8_make_valid(Text.data(), static_cast<gssize>(Text.size()));
+    pango_layout_set_text(Layout, Valid, -1);
+    g_free(Valid);
+  }
+  pango_layout_set_single_paragraph_mode(Layout, Options.SingleLine);
+  pango_layout_set_width(
+      Layout, Options.WrapWidth >= 0 ? std::min(Options.WrapWidth, TCanvas::SafeCoord) * PANGO_SCALE : -1);
+  pango_layout_set_wrap(Layout, PANGO_WRAP_WORD_CHAR);
+  static const PangoEllipsizeMode Ellipsis[] = {PANGO_ELLIPSIZE_NONE, PANGO_ELLIPSIZE_START,
+                                                PANGO_ELLIPSIZE_MIDDLE, PANGO_ELLIPSIZE_END};
+  pango_layout_set_ellipsize(Layout, Ellipsis[std::clamp(Options.Ellipsize, 0, 3)]);
+  pango_layout_set_height(Layout, Options.Ellipsize && Options.MaxHeight >= 0
+                                      ? std::min(Options.MaxHeight, TCanvas::SafeCoord) * PANGO_SCALE
+                                      : -1);
+  static const PangoAlignment Align[] = {PANGO_ALIGN_LEFT, PANGO_ALIGN_CENTER, PANGO_ALIGN_RIGHT};
+  pango_layout_set_alignment(Layout, Align[std::clamp(Options.Align, 0, 2)]);
+
+  if (!Underline && !StrikeOut && Options.Underline.empty()) {
+    pango_layout_set_attributes(Layout, nullptr);
+    return;
+  }
+  PangoAttrList* List = pango_attr_list_new();
+  if (Underline) pango_attr_list_insert(List, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+  if (StrikeOut) pango_attr_list_insert(List, pango_attr_strikethrough_new(TRUE));
+  const char* Begin = pango_layout_get_text(Layout);
+  const auto Length = static_cast<int32_t>(std::strlen(Begin));
+  for (int32_t Offset : Options.Underline) {
+    if (Offset < 0 || Offset >= Length) continue;
+    PangoAttribute* A = pango_attr_underline_new(PANGO_UNDERLINE_SINGLE);
+    A->start_index = static_cast<guint>(Offset);
+    A->end_index = static_cast<guint>(g_utf8_next_char(Begin + Offset) - Begin);
+    pango_attr_list_insert(List, A);
+  }
+  pango_layout_set_attributes(Layout, List);
+  pango_attr_list_unref(List);
+}
+
+// The logical size of the text on Layout in whole pixels, and where it starts.
+TSize Measure(PangoLayout* Layout, bool Empty, int32_t& LogicalX) {
+  LogicalX = 0;
+  if (Empty) return {0, 0};
+  PangoRectangle Logical;
+  pango_layout_get_extents(Layout, nullptr, &Logical);
+  LogicalX = static_cast<int32_t>(std::floor(double(Logical.x) / PANGO_SCALE));
+  return {PangoCeil(Logical.width), PangoCeil(Logical.height)};
+}
+} // namespace
+
 TSize TCanvas::LayoutText(std::string_view Source, const TTextLayout& Options, int32_t* LogicalX) {
   TTextState& T = Text();
   const std::string_view Cut = CutAtNul(Source);
-  if (g_utf8_validate(Cut.data(), static_cast<gssize>(Cut.size()), nullptr)) {
-    pango_layout_set_text(T.Layout, Cut.data(), static_cast<int>(Cut.size()));
-  } else {
-    gchar* Valid = g_utf8_make_valid(Cut.data(), static_cast<gssize>(Cut.size()));
-    pango_layout_set_text(T.Layout, Valid, -1);
-    g_free(Valid);
+  int32_t X = 0;
+  const bool Plain = Options.SingleLine && Options.WrapWidth < 0 && Options.Ellipsize == 0 &&
+                     Options.Align == 0 && Options.Underline.empty();
+  if (!Plain) {
+    SetUpLayout(T.Layout, Cut, Options, T.FontUnderline, T.FontStrikeOut);
+    T.Current = T.Layout;
+    const TSize Size = Measure(T.Layout, Cut.empty(), X);
+    if (LogicalX) *LogicalX = X;
+    return Size;
   }
-  pango_layout_set_single_paragraph_mode(T.Layout, Options.SingleLine);
-  pango_layout_set_width(
-      T.Layout, Options.WrapWidth >= 0 ? std::min(Options.WrapWidth, SafeCoord) * PANGO_SCALE : -1);
-  pango_layout_set_wrap(T.Layout, PANGO_WRAP_WORD_CHAR);
-  static const PangoEllipsizeMode Ellipsis[] = {PANGO_ELLIPSIZE_NONE, PANGO_ELLIPSIZE_START,
-                                                PANGO_ELLIPSIZE_MIDDLE, PANGO_ELLIPSIZE_END};
-  pango_layout_set_ellipsize(T.Layout, Ellipsis[std::clamp(Options.Ellipsize, 0, 3)]);
-  pango_layout_set_height(T.Layout, Options.Ellipsize && Options.MaxHeight >= 0
-                                        ? std::min(Options.MaxHeight, SafeCoord) * PANGO_SCALE
-                                        : -1);
-  static const PangoAlignment Align[] = {PANGO_ALIGN_LEFT, PANGO_ALIGN_CENTER, PANGO_ALIGN_RIGHT};
-  pango_layout_set_alignment(T.Layout, Align[std::clamp(Options.Align, 0, 2)]);
-
-  const bool NeedAttributes = T.FontUnderline || T.FontStrikeOut || !Options.Underline.empty();
-  if (NeedAttributes) {
-    PangoAttrList* List = pango_attr_list_new();
-    if (T.FontUnderline)
-      pango_attr_list_insert(List, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
-    if (T.FontStrikeOut) pango_attr_list_insert(List, pango_attr_strikethrough_new(TRUE));
-    const char* Begin = pango_layout_get_text(T.Layout);
-    const auto Length = static_cast<int32_t>(std::strlen(Begin));
-    for (int32_t Offset : Options.Underline) {
-      if (Offset < 0 || Offset >= Length) continue;
-      PangoAttribute* A = pango_attr_underline_new(PANGO_UNDERLINE_SINGLE);
-      A->start_index = static_cast<guint>(Offset);
-      A->end_index = static_cast<guint>(g_utf8_next_char(Begin + Offset) - Begin);
-      pango_attr_list_insert(List, A);
-    }
-    pango_layout_set_attributes(T.Layout, List);
-    pango_attr_list_unref(List);
-    T.HasAttributes = true;
-  } else if (T.HasAttributes) {
-    pango_layout_set_attributes(T.Layout, nullptr);
-    T.HasAttributes = false;
+  std::string Key = T.FontKey;
+  Key += '\0';
+  Key.append(Cut);
+  auto It = T.Laid.find(Key);
+  if (It == T.Laid.end()) {
+    if (T.Laid.size() >= TTextState::MaxLaid) T.ForgetLaid();
+    PangoLayout* Layout = pango_layout_new(pango_layout_get_context(T.Layout));
+    pango_layout_set_font_description(Layout, T.Desc);
+    SetUpLayout(Layout, Cut, Options, T.FontUnderline, T.FontStrikeOut);
+    const TSize Size = Measure(Layout, Cut.empty(), X);
+    It = T.Laid.emplace(std::move(Key), TTextState::TLaid{Layout, Size, X}).first;
   }
-  if (LogicalX) *LogicalX = 0;
-  if (Cut.empty()) return {0, 0};
-  PangoRectangle Logical;
-  pango_layout_get_extents(T.Layout, nullptr, &Logical);
-  if (LogicalX) *LogicalX = static_cast<int32_t>(std::floor(double(Logical.x) / PANGO_SCALE));
-  return {PangoCeil(Logical.width), PangoCeil(Logical.height)};
+  T.Current = It->second.Layout;
+  if (LogicalX) *LogicalX = It->second.LogicalX;
+  return It->second.Size;
 }
 
 void TCanvas::PaintLayout(int32_t X, int32_t Y, const TRect* Background) {
@@ -1279,19 +1336,15 @@ void TCanvas::PaintLayout(int32_t X, int32_t Y, const TRect* Background) {
   }
   SetSourceColor(FFont->Color());
   cairo_move_to(FCairo, Safe(X), Safe(Y));
-  pango_cairo_show_layout(FCairo, FText->Layout);
+  pango_cairo_show_layout(FCairo, FText->Current);
   cairo_new_path(FCairo);
 }
 
 TSize TCanvas::TextExtent(std::string_view Source) {
-  TTextState& T = Text();
-  std::string Key = T.FontKey;
-  Key += '\0';
-  Key.append(Source);
-  if (const auto It = T.Extents.find(Key); It != T.Extents.end()) return It->second;
+  // Measuring leaves the text last laid out for PaintLayout as it was.
+  PangoLayout* Current = Text().Current;
   const TSize Size = LayoutText(Source, TTextLayout{});
-  if (T.Extents.size() >= TTextState::MaxExtents) T.Extents.clear();
-  T.Extents.emplace(std::move(Key), Size);
+  FText->Current = Current;
   return Size;
 }
 
@@ -1318,9 +1371,19 @@ void TCanvas::DrawText(int32_t X, int32_t Y, std::string_view Source, const TRec
     }
   }
   cairo_translate(FCairo, X, Y);
+  TTextState& T = *FText;
+  PangoLayout* Shown = T.Current;
   if (Angle != 0) {
     cairo_rotate(FCairo, -Angle * Pi / 180.0);
-    pango_cairo_update_layout(FCairo, FText->Layout);
+    if (!T.Turned) {
+      T.Turned = NewTextLayout(FCairo);
+      pango_layout_set_single_paragraph_mode(T.Turned, TRUE);
+    }
+    pango_layout_set_font_description(T.Turned, T.Desc);
+    pango_layout_set_text(T.Turned, pango_layout_get_text(Shown), -1);
+    pango_layout_set_attributes(T.Turned, pango_layout_get_attributes(Shown));
+    pango_cairo_update_layout(FCairo, T.Turned);
+    Shown = T.Turned;
   }
   if (!ClipTo && FBrush->Style() != bsClear && Size.cx > 0) {
     SetSourceColor(FBrush->Color());
@@ -1329,10 +1392,9 @@ void TCanvas::DrawText(int32_t X, int32_t Y, std::string_view Source, const TRec
   }
   SetSourceColor(FFont->Color());
   cairo_move_to(FCairo, 0, 0);
-  pango_cairo_show_layout(FCairo, FText->Layout);
+  pango_cairo_show_layout(FCairo, Shown);
   cairo_new_path(FCairo);
   cairo_restore(FCairo);
-  if (Angle != 0) pango_cairo_update_layout(FCairo, FText->Layout);
 }
 
 void TCanvas::TextOut(int32_t X, int32_t Y, std::string_view Text) {

@@ -511,6 +511,31 @@ TEST_F(CanvasFixture, TextExtentsGrowWithFontSize) {
   EXPECT_EQ(C->TextExtent("Costs 2025"), Fresh->Canvas()->TextExtent("Costs 2025"));
 }
 
+// Texts are laid out once and drawn from then on; a turned text is the same text in the
+// same font on its side, and turning it leaves the texts laid out before as they were.
+TEST(Canvas, TurnedTextIsTheSameTextOnItsSide) {
+  const auto Draw = [](const std::vector<int32_t>& Angles) {
+    TOwned<TBitmap> B = MakeBitmap(120, 120);
+    TCanvas* C = B->Canvas();
+    C->Font()->SetSize(12);
+    C->Font()->SetStyle({fsBold, fsUnderline});
+    for (const int32_t Angle : Angles) {
+      C->Font()->SetOrientation(Angle);
+      C->TextOut(Angle == 0 ? 5 : 40, Angle == 0 ? 5 : 110, "Turned 42");
+    }
+    return B;
+  };
+  const TOwned<TBitmap> Flat = Draw({0}), Turned = Draw({90}), Both = Draw({0, 90, 0});
+  const TRect F = PaintedBounds(Flat.get()), T = PaintedBounds(Turned.get());
+  EXPECT_NEAR(T.Width(), F.Height(), 2);
+  EXPECT_NEAR(T.Height(), F.Width(), 2);
+  EXPECT_NEAR(CountPainted(Turned.get()), CountPainted(Flat.get()),
+              CountPainted(Flat.get()) / 10);
+  // The flat text drawn again after the turned one covers what it covered alone.
+  EXPECT_EQ(test::CountPixels(Both.get(), F, [](TColor P) { return P != clWhite; }),
+            CountPainted(Flat.get()));
+}
+
 TEST_F(CanvasFixture, TextPaintsInsideItsMeasuredBoxAndMovesThePen) {
   C->Brush()->SetStyle(bsClear);
   C->Font()->SetColor(clBlack);
