@@ -309,10 +309,8 @@ void TBitmap::Draw(TCanvas* Canvas, const TRect& R, float Opacity) const {
   cairo_surface_t* Source = FSurface;
   if (Transparent()) {
     // A copy with the transparent colour taken out.
-    const TColor Key = ColorToRGB(FTransparentColor == clDefault ? FCanvas->Pixel(0, FHeight - 1)
-                                                                 : FTransparentColor);
-    const uint32_t KeyPixel = 0xFF000000u | (uint32_t(GetRValue(Key)) << 16) |
-                              (uint32_t(GetGValue(Key)) << 8) | GetBValue(Key);
+    const uint32_t KeyPixel = OpaquePixel(
+        FTransparentColor == clDefault ? FCanvas->Pixel(0, FHeight - 1) : FTransparentColor);
     Source = NewImage(FWidth, FHeight);
     cairo_surface_flush(FSurface);
     const auto* From = cairo_image_surface_get_data(FSurface);
@@ -497,9 +495,7 @@ int32_t TImageList::AddMasked(const TBitmap* Image, TColor MaskColor) {
   cairo_surface_flush(Copy->Surface());
   auto* Data = cairo_image_surface_get_data(Copy->Surface());
   const int Stride = cairo_image_surface_get_stride(Copy->Surface());
-  const TColor Key = ColorToRGB(MaskColor);
-  const uint32_t KeyPixel = 0xFF000000u | (uint32_t(GetRValue(Key)) << 16) |
-                            (uint32_t(GetGValue(Key)) << 8) | GetBValue(Key);
+  const uint32_t KeyPixel = OpaquePixel(MaskColor);
   for (int32_t Y = 0; Y < Copy->Height(); ++Y) {
     auto* Row = reinterpret_cast<uint32_t*>(Data + Y * Stride);
     for (int32_t X = 0; X < Copy->Width(); ++X)

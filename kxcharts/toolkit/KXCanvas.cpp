@@ -99,7 +99,7 @@ cairo_pattern_t* CreateHatch(TBrushStyle Style, TColor Color) {
   cairo_surface_flush(Tile);
   auto* Data = cairo_image_surface_get_data(Tile);
   const int Stride = cairo_image_surface_get_stride(Tile);
-  const uint32_t Pixel = 0xFF000000u | ColorToPixelRGB(Color);
+  const uint32_t Pixel = OpaquePixel(Color);
   for (int Y = 0; Y < 8; ++Y)
     for (int X = 0; X < 8; ++X) {
       const bool H = Y == 0, V = X == 0, F = X == Y, B = X + Y == 7;
@@ -371,14 +371,25 @@ bool TCanvas::RasterMode() const {
   return FDirectPixels && FPen->Mode() != pmCopy;
 }
 
+bool TCanvas::WritesPixels() const {
+  return FDirectPixels && FOpacityDepth == 0;
+}
+
+uint32_t* TCanvas::PixelRow(int32_t Y) const {
+  return reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(FSurface) +
+                                     ptrdiff_t(Y) * cairo_image_surface_get_stride(FSurface));
+}
+
+TRect TCanvas::DrawableArea() const {
+  return Intersect(FClip, TRect{0, 0, FWidth, FHeight});
+}
+
 // --- Pixels ---
 
 TColor TCanvas::Pixel(int32_t X, int32_t Y) const {
   if (!FDirectPixels || X < 0 || Y < 0 || X >= FWidth || Y >= FHeight) return clNone;
   cairo_surface_flush(FSurface);
-  const auto* Data = cairo_image_surface_get_data(FSurface);
-  const int Stride = cairo_image_surface_get_stride(FSurface);
-  const uint32_t P = reinterpret_cast<const uint32_t*>(Data + Y * Stride)[X];
+  const uint32_t P = PixelRow(Y)[X];
   const uint32_t A = FNoAlpha ? 255 : P >> 24;
   auto Channel = [&](int Shift) -> uint8_t {
     const uint32_t C = (P >> Shift) & 0xFF;
@@ -391,11 +402,9 @@ TColor TCanvas::Pixel(int32_t X, int32_t Y) const {
 
 void TCanvas::SetPixel(int32_t X, int32_t Y, TColor Color) {
   if (!CanPaint() || !PtInRect(FClip, {X, Y})) return;
-  if (FDirectPixels && FOpacityDepth == 0) {
+  if (WritesPixels()) {
     cairo_surface_flush(FSurface);
-    auto* Data = cairo_image_surface_get_data(FSurface);
-    const int Stride = cairo_image_surface_get_stride(FSurface);
-    reinterpret_cast<uint32_t*>(Data + Y * Stride)[X] = 0xFF000000u | ColorToPixelRGB(Color);
+    PixelRow(Y)[X] = OpaquePixel(Color);
     cairo_surface_mark_dirty_rectangle(FSurface, X, Y, 1, 1);
     return;
   }
@@ -450,6 +459,10 @@ int32_t TCanvas::EffectivePenWidth() const {
 void SetSourceColor(cairo_t* Cr, TColor Color) {
   const TColor C = ColorToRGB(Color);
   cairo_set_source_rgb(Cr, GetRValue(C) / 255.0, GetGValue(C) / 255.0, GetBValue(C) / 255.0);
+}
+
+uint32_t OpaquePixel(TColor Color) {
+  return 0xFF000000u | ColorToPixelRGB(Color);
 }
 
 void TCanvas::SetSourceColor(TColor Color) {
@@ -641,13 +654,11 @@ void TCanvas::RasterPaint(cairo_path_t* Path, bool Fill, TBrushStyle FillStyle, 
   const int MaskStride = cairo_image_surface_get_stride(Mask);
 
   cairo_surface_flush(FSurface);
-  auto* Data = cairo_image_surface_get_data(FSurface);
-  const int Stride = cairo_image_surface_get_stride(FSurface);
   const uint32_t P = ColorToPixelRGB(Color);
   const TPenMode Mode = FPen->Mode();
   for (int32_t Y = 0; Y < Box.Height(); ++Y) {
     const uint8_t* MaskRow = MaskData + Y * MaskStride;
-    auto* Row = reinterpret_cast<uint32_t*>(Data + (Box.Top + Y) * Stride) + Box.Left;
+    uint32_t* Row = PixelRow(Box.Top + Y) + Box.Left;
     for (int32_t X = 0; X < Box.Width(); ++X)
       if (MaskRow[X] >= 128)
         Row[X] = (Row[X] & 0xFF000000u) | (Rop2(Mode, P, Row[X] & 0xFFFFFF) & 0xFFFFFF);
@@ -867,7 +878,7 @@ const TCanvas::TStamp* TCanvas::Stamp(std::span<const TVertex> Run) {
   // segments outlines shapes that are no part of the whole line's stroke.
   constexpr int32_t MaxReach = 1;
   if (Run.size() < 2 || Run.size() > 4 || (Run[0].X == Run[1].X && Run[0].Y == Run[1].Y) ||
-      !FDirectPixels || FOpacityDepth > 0)
+      !WritesPixels())
     return nullptr;
   const TVertex& O = Run[1];
   uint64_t Key = uint64_t(EffectivePenWidth()) | uint64_t(cairo_get_antialias(FCairo)) << 8 |
@@ -912,14 +923,12 @@ const TCanvas::TStamp* TCanvas::Stamp(std::span<const TVertex> Run) {
 }
 
 TRect TCanvas::BlendStamp(const TStamp& S, TPoint At) {
-  const TRect Area = Intersect(Intersect(FClip, TRect{0, 0, FWidth, FHeight}),
-                               TRect{At.X, At.Y, At.X + S.Width, At.Y + S.Height});
+  const TRect Area =
+      Intersect(DrawableArea(), TRect{At.X, At.Y, At.X + S.Width, At.Y + S.Height});
   if (Area.IsEmpty()) return Area;
-  auto* Data = cairo_image_surface_get_data(FSurface);
-  const int Stride = cairo_image_surface_get_stride(FSurface);
-  const uint32_t Pixel = 0xFF000000u | ColorToPixelRGB(FPen->Color());
+  const uint32_t Pixel = OpaquePixel(FPen->Color());
   for (int32_t Y = Area.Top; Y < Area.Bottom; ++Y) {
-    auto* Row = reinterpret_cast<uint32_t*>(Data + ptrdiff_t(Y) * Stride);
+    uint32_t* Row = PixelRow(Y);
     const uint8_t* Cover = S.Cover.data() + size_t(Y - At.Y) * S.Width;
     for (int32_t X = Area.Left; X < Area.Right; ++X)
       if (const uint32_t A = Cover[X - At.X]; A == 255)
@@ -1156,7 +1165,7 @@ void TCanvas::ColumnPolyline(std::span<const TPoint> Points) {
 
 void TCanvas::FillBoxes(std::span<const TRect> Boxes, TColor Color) {
   if (Boxes.empty() || !CanPaint()) return;
-  if (!FDirectPixels || FOpacityDepth > 0) {
+  if (!WritesPixels()) {
     cairo_new_path(FCairo);
     for (const TRect& B : Boxes)
       cairo_rectangle(FCairo, B.Left, B.Top, B.Width(), B.Height());
@@ -1166,17 +1175,14 @@ void TCanvas::FillBoxes(std::span<const TRect> Boxes, TColor Color) {
   // Whole pixels of an opaque colour come out of Cairo as the colour itself: writing them
   // spares its rasterizer, which sorts and sweeps even boxes that share no pixel.
   cairo_surface_flush(FSurface);
-  auto* Data = cairo_image_surface_get_data(FSurface);
-  const int Stride = cairo_image_surface_get_stride(FSurface);
-  const uint32_t Pixel = 0xFF000000u | ColorToPixelRGB(Color);
-  const TRect Area = Intersect(FClip, TRect{0, 0, FWidth, FHeight});
+  const uint32_t Pixel = OpaquePixel(Color);
+  const TRect Area = DrawableArea();
   TRect Dirty;
   for (const TRect& Box : Boxes) {
     const TRect B = Intersect(Box, Area);
     if (B.IsEmpty()) continue;
     for (int32_t Y = B.Top; Y < B.Bottom; ++Y)
-      std::fill_n(reinterpret_cast<uint32_t*>(Data + ptrdiff_t(Y) * Stride) + B.Left, B.Width(),
-                  Pixel);
+      std::fill_n(PixelRow(Y) + B.Left, B.Width(), Pixel);
     Dirty = Union(Dirty, B);
   }
   if (!Dirty.IsEmpty())
@@ -1209,15 +1215,12 @@ void TCanvas::DrawFocusRect(const TRect& R) {
   if (!FDirectPixels || FFinished) return;
   const TRect B = Normalized(R.Left, R.Top, R.Right, R.Bottom);
   if (B.IsEmpty()) return;
-  const TRect Area = Intersect(FClip, TRect{0, 0, FWidth, FHeight});
+  const TRect Area = DrawableArea();
   cairo_surface_flush(FSurface);
-  auto* Data = cairo_image_surface_get_data(FSurface);
-  const int Stride = cairo_image_surface_get_stride(FSurface);
   auto Invert = [&](int64_t X, int64_t Y) {
     if ((X + Y) % 2 != 0) return;
     if (X < Area.Left || X >= Area.Right || Y < Area.Top || Y >= Area.Bottom) return;
-    auto& P = reinterpret_cast<uint32_t*>(Data + Y * Stride)[X];
-    P ^= 0xFFFFFF;
+    PixelRow(static_cast<int32_t>(Y))[X] ^= 0xFFFFFF;
   };
   // Each pixel of the frame once, even where the frame is one pixel wide or high; loops run
   // over the part inside the drawable area only.

@@ -212,6 +212,13 @@ private:
   void ResetState();
   bool CanPaint() const;
   bool RasterMode() const;
+  // Whether painting may write the pixels of the surface itself: an image, outside any
+  // opacity layer (whose group Cairo keeps elsewhere).
+  bool WritesPixels() const;
+  // Row Y of an image's pixels (flushed by the caller, marked dirty after writing).
+  uint32_t* PixelRow(int32_t Y) const;
+  // The clip within the surface.
+  TRect DrawableArea() const;
   void SetSourceColor(TColor Color);
   bool SetBrushSource(TColor Color, TBrushStyle Style);
   void SetPenStroke();
@@ -270,6 +277,8 @@ private:
 
 // Makes Color (system colours resolved) the source of Cr: the one way a TColor reaches Cairo.
 void SetSourceColor(cairo_t* Cr, TColor Color);
+// Color (system colours resolved) as an opaque pixel of a Cairo image (a native 32-bit word).
+uint32_t OpaquePixel(TColor Color);
 
 // Restricts a canvas to R for the life of the object, also when an exception passes.
 class TCanvasClip {

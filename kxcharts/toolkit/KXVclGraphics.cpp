@@ -23,7 +23,6 @@ bool Visible(float Opacity) {
   return !std::isnan(Opacity) && Opacity > 0;
 }
 
-
 int32_t PenWidthOf(const TCanvas* Canvas) {
   return Canvas->Pen()->Style() == psClear ? 0 : Canvas->EffectivePenWidth();
 }
