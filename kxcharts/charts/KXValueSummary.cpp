@@ -137,17 +137,23 @@ void TKXValueSummary::Rebuild(size_t From, size_t To) {
 }
 
 namespace {
-// Widens [Lo, Hi] (empty while Missing is set in Flags) by [CLo, CHi].
-void Widen(double CLo, double CHi, uint8_t Missing, uint8_t& Flags, double& Lo, double& Hi) {
-  if (Flags & Missing) {
-    Lo = CLo;
-    Hi = CHi;
-    Flags &= static_cast<uint8_t>(~Missing);
-  } else {
-    Lo = std::min(Lo, CLo);
-    Hi = std::max(Hi, CHi);
+// The extent of the numbers taken so far; empty while Lo > Hi. Taken numbers are finite.
+// Of equal numbers (-0 and 0) the leftmost by index is kept, as a walk from left to right
+// keeps it.
+struct TSpread {
+  double Lo = INFINITY, Hi = -INFINITY;
+
+  // Numbers that lie right of all those taken before.
+  void TakeOnRight(double CLo, double CHi) {
+    Lo = CLo < Lo ? CLo : Lo;
+    Hi = CHi > Hi ? CHi : Hi;
   }
-}
+  // Numbers that lie left of all those taken before.
+  void TakeOnLeft(double CLo, double CHi) {
+    Lo = Lo < CLo ? Lo : CLo;
+    Hi = Hi > CHi ? Hi : CHi;
+  }
+};
 } // namespace
 
 void TKXValueSummary::RebuildNode(size_t Level, size_t Node) {
@@ -155,8 +161,8 @@ void TKXValueSummary::RebuildNode(size_t Level, size_t Node) {
   const size_t First = Node * Fanout;
   const size_t Below = Level == 0 ? FX.size() : FLevels[Level - 1].Lo.size();
   const size_t Last = std::min(First + Fanout, Below);
-  double Lo = 0, Hi = 0, XLo = 0, XHi = 0;
-  uint8_t Flags = NoFinite | NoFiniteX;
+  TSpread Y, X;
+  uint8_t Flags = 0;
   TColor Color = Level == 0 ? FColor[First] : FLevels[Level - 1].Color[First];
   for (size_t C = First; C < Last; ++C) {
     double CLo, CHi, CXLo, CXHi;
@@ -178,38 +184,20 @@ void TKXValueSummary::RebuildNode(size_t Level, size_t Node) {
     }
     Flags |= CFlags & (NotPlain | MixedColor);
     if (CColor != Color) Flags |= MixedColor;
-    if (!(CFlags & NoFinite)) Widen(CLo, CHi, NoFinite, Flags, Lo, Hi);
-    if (!(CFlags & NoFiniteX)) Widen(CXLo, CXHi, NoFiniteX, Flags, XLo, XHi);
+    if (!(CFlags & NoFinite)) Y.TakeOnRight(CLo, CHi);
+    if (!(CFlags & NoFiniteX)) X.TakeOnRight(CXLo, CXHi);
   }
-  Lv.Lo[Node] = Lo;
-  Lv.Hi[Node] = Hi;
-  Lv.XLo[Node] = XLo;
-  Lv.XHi[Node] = XHi;
-  Lv.Flags[Node] = Flags;
+  // A block without a finite number keeps 0 for it, flagged.
+  const bool HasY = Y.Lo <= Y.Hi, HasX = X.Lo <= X.Hi;
+  Lv.Lo[Node] = HasY ? Y.Lo : 0;
+  Lv.Hi[Node] = HasY ? Y.Hi : 0;
+  Lv.XLo[Node] = HasX ? X.Lo : 0;
+  Lv.XHi[Node] = HasX ? X.Hi : 0;
+  Lv.Flags[Node] = Flags | (HasY ? 0 : NoFinite) | (HasX ? 0 : NoFiniteX);
   Lv.Color[Node] = Color;
 }
 
 // --- Reading ---
-
-namespace {
-// The extent of the numbers taken so far; empty while Lo > Hi. Taken numbers are finite.
-// Of equal numbers (-0 and 0) the leftmost by index is kept, as a walk from left to right
-// keeps it.
-struct TSpread {
-  double Lo = INFINITY, Hi = -INFINITY;
-
-  // Numbers that lie right of all those taken before.
-  void TakeOnRight(double CLo, double CHi) {
-    Lo = CLo < Lo ? CLo : Lo;
-    Hi = CHi > Hi ? CHi : Hi;
-  }
-  // Numbers that lie left of all those taken before.
-  void TakeOnLeft(double CLo, double CHi) {
-    Lo = Lo < CLo ? Lo : CLo;
-    Hi = Hi > CHi ? Hi : CHi;
-  }
-};
-} // namespace
 
 // The range's blocks, bottom up: at each level the loose ends on the left (in order) and
 // on the right (from the end back) are taken, and what lies between them is whole blocks
