@@ -502,6 +502,30 @@ TEST_F(ValueSummary, BlockWalksAgreeWithAPlainPassAtEveryBlockEdge) {
   }
 }
 
+// Whole blocks without a finite number (at the leaves and a level up) add nothing to an
+// extent: no 0 of their own, in Y and in X alike.
+TEST_F(ValueSummary, BlocksWithoutANumberAddNothing) {
+  TKX2DChartValues* V = Chart->Values();
+  V->SetSorted(false);
+  {
+    TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+    for (int32_t I = 0; I < 1024; ++I) {
+      const bool Gap = I >= 16 && I < 16 + 512;
+      V->Add(Gap ? NaN : 3.0 + I % 2, Gap ? NaN : 5.0 + I % 2);
+    }
+  }
+  const TKXValueSummary& S = V->Summary();
+  double Lo = 0, Hi = 0;
+  ASSERT_TRUE(S.MinMax(0, 1023, Lo, Hi));
+  EXPECT_EQ(Lo, 5.0);
+  EXPECT_EQ(Hi, 6.0);
+  ASSERT_TRUE(S.XMinMax(0, 1023, Lo, Hi));
+  EXPECT_EQ(Lo, 3.0);
+  EXPECT_EQ(Hi, 4.0);
+  EXPECT_FALSE(S.MinMax(16, 16 + 511, Lo, Hi));
+  EXPECT_FALSE(S.XMinMax(16, 16 + 511, Lo, Hi));
+}
+
 TEST_F(ValueSummary, ReadsEverythingAgainAfterASort) {
   TKX2DChartValues* V = Chart->Values();
   V->SetSorted(false);
