@@ -314,6 +314,8 @@ void TCanvas::Bind(cairo_surface_t* Surface, int32_t Width, int32_t Height) {
   FFinished = false;
   FFileName.clear();
   FDirectPixels = FNoAlpha = false;
+  FPixels = nullptr;
+  FStride = 0;
   switch (cairo_surface_get_type(Surface)) {
   case CAIRO_SURFACE_TYPE_IMAGE: {
     const cairo_format_t Format = cairo_image_surface_get_format(Surface);
@@ -328,6 +330,9 @@ void TCanvas::Bind(cairo_surface_t* Surface, int32_t Width, int32_t Height) {
     Height = cairo_image_surface_get_height(Surface);
     FDirectPixels = Format == CAIRO_FORMAT_ARGB32 || Format == CAIRO_FORMAT_RGB24;
     FNoAlpha = Format == CAIRO_FORMAT_RGB24;
+    // An image's pixels stay where they are for its life.
+    FPixels = cairo_image_surface_get_data(Surface);
+    FStride = cairo_image_surface_get_stride(Surface);
     break;
   }
   case CAIRO_SURFACE_TYPE_SVG:
@@ -373,11 +378,6 @@ bool TCanvas::RasterMode() const {
 
 bool TCanvas::WritesPixels() const {
   return FDirectPixels && FOpacityDepth == 0;
-}
-
-uint32_t* TCanvas::PixelRow(int32_t Y) const {
-  return reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(FSurface) +
-                                     ptrdiff_t(Y) * cairo_image_surface_get_stride(FSurface));
 }
 
 TRect TCanvas::DrawableArea() const {

@@ -216,7 +216,9 @@ private:
   // opacity layer (whose group Cairo keeps elsewhere).
   bool WritesPixels() const;
   // Row Y of an image's pixels (flushed by the caller, marked dirty after writing).
-  uint32_t* PixelRow(int32_t Y) const;
+  uint32_t* PixelRow(int32_t Y) const {
+    return reinterpret_cast<uint32_t*>(FPixels + ptrdiff_t(Y) * FStride);
+  }
   // The clip within the surface.
   TRect DrawableArea() const;
   void SetSourceColor(TColor Color);
@@ -261,6 +263,8 @@ private:
   // Pixels can be read and combined in place (an ARGB32 or RGB24 image; RGB24 has no alpha).
   bool FDirectPixels = false;
   bool FNoAlpha = false;
+  unsigned char* FPixels = nullptr; // an image's pixels, and the bytes from a row to the next
+  int FStride = 0;
   std::string FFileName;
   bool FFinished = false;
   int32_t FWidth = 0;
