@@ -2,7 +2,7 @@
 // What the benchmark programs share: the form that owns the panels and charts they time,
 // as an application's form owns its components.
 
-#include "kxcharts/toolkit/KXClasses.h"
+#include "kxcharts/toolkit/objects/KXClasses.h"
 
 namespace kx::bench {
 

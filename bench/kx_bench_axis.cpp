@@ -7,7 +7,7 @@
 
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
-#include "kxcharts/toolkit/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace {
 

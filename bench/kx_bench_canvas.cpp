@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "kxcharts/toolkit/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace {
 

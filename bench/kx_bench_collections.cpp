@@ -10,7 +10,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "kxcharts/toolkit/KXCommon.h"
+#include "kxcharts/toolkit/chartkit/KXCommon.h"
 
 namespace {
 std::atomic<long long> GHeapBytes{0};

@@ -7,11 +7,11 @@
 
 #include <random>
 
-#include "bench/KXBenchSupport.h"
+#include "KXBenchSupport.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace {
 

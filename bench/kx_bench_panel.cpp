@@ -5,9 +5,9 @@
 
 #include <string>
 
-#include "bench/KXBenchSupport.h"
+#include "KXBenchSupport.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench/KXBenchSupport.h"
+#include "KXBenchSupport.h"
 #include "kxcharts/core/KXChartPanel.h"
 
 namespace {

@@ -20,10 +20,10 @@
 #include <string>
 #include <vector>
 
-#include "bench/KXBenchSupport.h"
+#include "KXBenchSupport.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace {
 

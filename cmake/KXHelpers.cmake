@@ -1,8 +1,8 @@
 # The one place that says how a target of this project is compiled.
 #
-#   kx_add_library(NAME SOURCES...)          a library with the project's warnings
-#   kx_add_test(FOLDER)                      tests/FOLDER/*.cpp as one GoogleTest program,
-#                                            labelled FOLDER for `ctest -L FOLDER`
+#   kx_add_layer(NAME FOLDERS f... LINKS l...)  a library layer made of kxcharts/<f>/*.cpp
+#   kx_add_test(FOLDER LAYER)                tests/FOLDER/**.cpp as one GoogleTest program
+#                                            against LAYER, labelled FOLDER (`ctest -L FOLDER`)
 #   kx_add_bench(NAME SOURCES...)            a Google Benchmark program
 #   kx_add_executable(NAME SOURCES...)       an application
 
@@ -18,9 +18,43 @@ function(kx_target_defaults target)
   endif()
 endfunction()
 
-function(kx_add_library name)
-  add_library(${name} ${ARGN})
+# A layer's headers are reached through a tree of links of its own under the build folder
+# (kx-include/NAME/kxcharts/<folder>/X.h), never through the source tree: a layer compiles
+# against its own tree and the trees of the layers it links, so it cannot include a header
+# from above. Headers named *_p.h are the layer's private ones: they go into a second tree
+# that only the layer and its tests see, and they are not installed.
+function(kx_add_layer name)
+  cmake_parse_arguments(L "" "" "FOLDERS;LINKS" ${ARGN})
+  set(public_root ${PROJECT_BINARY_DIR}/kx-include/${name})
+  set(private_root ${PROJECT_BINARY_DIR}/kx-include/${name}-private)
+  file(REMOVE_RECURSE ${public_root} ${private_root})
+  set(sources)
+  foreach(folder ${L_FOLDERS})
+    set(dir ${PROJECT_SOURCE_DIR}/kxcharts/${folder})
+    file(GLOB cpp CONFIGURE_DEPENDS ${dir}/*.cpp)
+    file(GLOB headers CONFIGURE_DEPENDS ${dir}/*.h)
+    list(APPEND sources ${cpp})
+    foreach(header ${headers})
+      get_filename_component(file ${header} NAME)
+      if(file MATCHES "_p\\.h$")
+        set(root ${private_root})
+      else()
+        set(root ${public_root})
+        install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kxcharts/${folder})
+      endif()
+      file(MAKE_DIRECTORY ${root}/kxcharts/${folder})
+      file(CREATE_LINK ${header} ${root}/kxcharts/${folder}/${file} SYMBOLIC)
+    endforeach()
+  endforeach()
+  file(MAKE_DIRECTORY ${public_root} ${private_root})
+  add_library(${name} ${sources})
   kx_target_defaults(${name})
+  target_include_directories(${name}
+    PUBLIC $<BUILD_INTERFACE:${public_root}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
+    PRIVATE ${private_root})
+  target_link_libraries(${name} PUBLIC ${L_LINKS})
+  set_target_properties(${name} PROPERTIES KX_PRIVATE_INCLUDE ${private_root}
+                                           VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 endfunction()
 
 function(kx_add_executable name)
@@ -29,8 +63,8 @@ function(kx_add_executable name)
   target_link_libraries(${name} PRIVATE kxcharts)
 endfunction()
 
-function(kx_add_test folder)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+function(kx_add_test folder layer)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
   if(NOT sources)
     return()
   endif()
@@ -38,7 +72,9 @@ function(kx_add_test folder)
   string(REPLACE "/" "_" name ${name})
   add_executable(${name} ${sources} ${PROJECT_SOURCE_DIR}/tests/KXLeakSuppressions.cpp)
   kx_target_defaults(${name})
-  target_link_libraries(${name} PRIVATE kxcharts kx_test_support GTest::gtest GTest::gmock)
+  get_target_property(private ${layer} KX_PRIVATE_INCLUDE)
+  target_include_directories(${name} PRIVATE ${private})
+  target_link_libraries(${name} PRIVATE ${layer} kx_test_support GTest::gtest GTest::gmock)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
     PROPERTIES LABELS ${folder} ENVIRONMENT "KX_SOURCE_DIR=${PROJECT_SOURCE_DIR}")
 endfunction()

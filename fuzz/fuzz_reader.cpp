@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "kxcharts/toolkit/KXCommon.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/chartkit/KXCommon.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 

@@ -1,6 +1,8 @@
 // The one place that knows every module of the library: it starts them in their fixed
 // order, so that each registers its chart classes before the registry is first read.
 
+#include "kxcharts/KXChartModules.h"
+
 #include <mutex>
 
 #include "kxcharts/charts/KXCharts.h"

@@ -4,13 +4,13 @@
 #include <functional>
 #include <string>
 
-#include "apps/gallery/KXGallery.h"
-#include "apps/gallery/KXSheetKit.h"
+#include "gallery/KXGallery.h"
+#include "gallery/KXSheetKit.h"
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXDateUtils.h"
+#include "kxcharts/toolkit/runtime/KXDateUtils.h"
 
 namespace kx::gallery {
 

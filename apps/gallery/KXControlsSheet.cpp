@@ -3,10 +3,10 @@
 // hint window beside them.
 #include <string>
 
-#include "apps/gallery/KXGallery.h"
-#include "kxcharts/toolkit/KXForms.h"
-#include "kxcharts/toolkit/KXHintWindow.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "gallery/KXGallery.h"
+#include "kxcharts/toolkit/controls/KXForms.h"
+#include "kxcharts/toolkit/controls/KXHintWindow.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx::gallery {
 

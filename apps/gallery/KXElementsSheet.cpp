@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "apps/gallery/KXGallery.h"
-#include "apps/gallery/KXSheetKit.h"
+#include "gallery/KXGallery.h"
+#include "gallery/KXSheetKit.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartGraphic.h"
 

@@ -1,8 +1,8 @@
-#include "apps/gallery/KXGallery.h"
+#include "gallery/KXGallery.h"
 
 #include <fstream>
 
-#include "kxcharts/toolkit/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace kx::gallery {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kxcharts/core/KXCustomChartPanel.h"
-#include "kxcharts/toolkit/KXCanvas.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
 
 namespace kx::gallery {
 

@@ -2,13 +2,14 @@
 // series, where many values share each pixel column, and the same series zoomed to a
 // thousandth of its range, where single steps show again. Both panels paint every value's
 // contribution; only what falls on one pixel column is drawn once.
+#include <algorithm>
 #include <random>
 
-#include "apps/gallery/KXGallery.h"
+#include "gallery/KXGallery.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXForms.h"
+#include "kxcharts/toolkit/controls/KXForms.h"
 
 namespace kx::gallery {
 
@@ -49,8 +50,11 @@ void PaintWalk(TCanvas* C, const TRect& Area, double ZoomFraction, const char* T
     // range is that of the values in view, with a little room above and below.
     const int32_t From = static_cast<int32_t>(Count * (1 - ZoomFraction) / 2);
     const int32_t To = static_cast<int32_t>(Count * (1 + ZoomFraction) / 2);
-    double Lo = 0, Hi = 0;
-    Line->Values()->Summary().MinMax(From, To, Lo, Hi);
+    double Lo = Line->Values()->Items(From)->Y(), Hi = Lo;
+    for (int32_t I = From + 1; I <= To; ++I) {
+      Lo = std::min(Lo, Line->Values()->Items(I)->Y());
+      Hi = std::max(Hi, Line->Values()->Items(I)->Y());
+    }
     const double Room = (Hi - Lo) * 0.05;
     for (TKXChartAxis* A : {Panel->BottomAxis(), Panel->LeftAxis()})
       A->UpdateAxisValues();

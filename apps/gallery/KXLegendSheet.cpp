@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "apps/gallery/KXGallery.h"
-#include "apps/gallery/KXSheetKit.h"
+#include "gallery/KXGallery.h"
+#include "gallery/KXSheetKit.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/legends/KXChartLegends.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx::gallery {
 

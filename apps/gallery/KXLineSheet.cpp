@@ -7,12 +7,12 @@
 #include <functional>
 #include <string>
 
-#include "apps/gallery/KXGallery.h"
+#include "gallery/KXGallery.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXDateUtils.h"
-#include "kxcharts/toolkit/KXForms.h"
+#include "kxcharts/toolkit/runtime/KXDateUtils.h"
+#include "kxcharts/toolkit/controls/KXForms.h"
 
 namespace kx::gallery {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "apps/gallery/KXGallery.h"
-#include "apps/gallery/KXSheetKit.h"
+#include "gallery/KXGallery.h"
+#include "gallery/KXSheetKit.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
 

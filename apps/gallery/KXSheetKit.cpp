@@ -1,6 +1,6 @@
-#include "apps/gallery/KXSheetKit.h"
+#include "gallery/KXSheetKit.h"
 
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx::gallery {
 

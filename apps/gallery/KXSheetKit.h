@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "kxcharts/toolkit/KXCanvas.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
 
 namespace kx::gallery {
 

@@ -2,10 +2,10 @@
 // text placement and curve of the drawing helpers, each with its caption.
 #include <string>
 
-#include "apps/gallery/KXGallery.h"
-#include "kxcharts/toolkit/KXCommonCharts.h"
-#include "kxcharts/toolkit/KXPathData.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "gallery/KXGallery.h"
+#include "kxcharts/toolkit/chartkit/KXCommonCharts.h"
+#include "kxcharts/toolkit/graphics/KXPathData.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx::gallery {
 

@@ -2,7 +2,7 @@
 // index.html that shows them. Usage: kx_gallery OUTDIR
 #include <iostream>
 
-#include "apps/gallery/KXGallery.h"
+#include "gallery/KXGallery.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {

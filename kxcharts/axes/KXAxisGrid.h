@@ -8,8 +8,8 @@
 #include <cstdint>
 
 #include "kxcharts/core/KXChartGraphic.h"
-#include "kxcharts/toolkit/KXEnum.h"
-#include "kxcharts/toolkit/KXSet.h"
+#include "kxcharts/toolkit/runtime/KXEnum.h"
+#include "kxcharts/toolkit/runtime/KXSet.h"
 
 namespace kx {
 

@@ -8,9 +8,9 @@
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXMath.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/runtime/KXMath.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 

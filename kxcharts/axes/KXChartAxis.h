@@ -20,13 +20,13 @@
 #include <vector>
 
 #include "kxcharts/core/KXChartGraphic.h"
-#include "kxcharts/toolkit/KXCanvas.h"
-#include "kxcharts/toolkit/KXCommonCharts.h"
-#include "kxcharts/toolkit/KXEnum.h"
-#include "kxcharts/toolkit/KXLists.h"
-#include "kxcharts/toolkit/KXObject.h"
-#include "kxcharts/toolkit/KXSet.h"
-#include "kxcharts/toolkit/KXTypes.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
+#include "kxcharts/toolkit/chartkit/KXCommonCharts.h"
+#include "kxcharts/toolkit/runtime/KXEnum.h"
+#include "kxcharts/toolkit/objects/KXLists.h"
+#include "kxcharts/toolkit/objects/KXObject.h"
+#include "kxcharts/toolkit/runtime/KXSet.h"
+#include "kxcharts/toolkit/runtime/KXTypes.h"
 
 namespace kx {
 

@@ -8,12 +8,12 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartValues.h"
 #include "kxcharts/core/KXCustomChart.h"
-#include "kxcharts/toolkit/KXDateUtils.h"
-#include "kxcharts/toolkit/KXFormat.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXMath.h"
-#include "kxcharts/toolkit/KXSysUtils.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/runtime/KXDateUtils.h"
+#include "kxcharts/toolkit/runtime/KXFormat.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/runtime/KXMath.h"
+#include "kxcharts/toolkit/runtime/KXSysUtils.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx {
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "kxcharts/core/KXCustomChart.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 

@@ -15,11 +15,11 @@
 #include <cstdint>
 
 #include "kxcharts/core/KXChartGraphic.h"
-#include "kxcharts/toolkit/KXBitmap.h"
-#include "kxcharts/toolkit/KXCanvas.h"
-#include "kxcharts/toolkit/KXGraphicObjects.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
+#include "kxcharts/toolkit/graphics/KXGraphicObjects.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx {
 

@@ -7,6 +7,7 @@ namespace kx {
 void StartChartsModule() {
   static std::once_flag Once;
   std::call_once(Once, [] {
+    StartChartPanelModule();
     // The order is the registry's answer for a kind that several classes share; the kinds
     // still to come take their places between these as they are built.
     RegisterChart(ClassOf<TKXChart>());

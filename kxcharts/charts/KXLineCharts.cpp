@@ -5,10 +5,10 @@
 
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
-#include "kxcharts/charts/KXLineReduction.h"
+#include "kxcharts/charts/KXLineReduction_p.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx {
 

@@ -22,12 +22,12 @@
 
 #include "kxcharts/charts/KXXYChartValues.h"
 #include "kxcharts/core/KXCustomChart.h"
-#include "kxcharts/toolkit/KXCanvas.h"
-#include "kxcharts/toolkit/KXEnum.h"
-#include "kxcharts/toolkit/KXGraphicObjects.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXSet.h"
-#include "kxcharts/toolkit/KXTypes.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
+#include "kxcharts/toolkit/runtime/KXEnum.h"
+#include "kxcharts/toolkit/graphics/KXGraphicObjects.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/runtime/KXSet.h"
+#include "kxcharts/toolkit/runtime/KXTypes.h"
 
 namespace kx {
 

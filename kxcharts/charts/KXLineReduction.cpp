@@ -1,4 +1,4 @@
-#include "kxcharts/charts/KXLineReduction.h"
+#include "kxcharts/charts/KXLineReduction_p.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "kxcharts/charts/KXValueSummary.h"
+#include "kxcharts/charts/KXValueSummary_p.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,9 @@
 #include "kxcharts/charts/KXXYChartValues.h"
 
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/charts/KXValueSummary_p.h"
+
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 
@@ -55,11 +57,13 @@ void TKX2DChartValue::DefineProperties(TFiler& Filer) {
 // --- TKX2DChartValues ---
 
 TKX2DChartValues::TKX2DChartValues(TKXCustomChart* AOwner, TKXChartValueClass ValueClass)
-    : TKXChartValues(AOwner, ValueClass) {
+    : TKXChartValues(AOwner, ValueClass), FSummary(std::make_unique<TKXValueSummary>()) {
   FNumDimensions = 2;
   FTimeDimension = 0;
   FDefaultDimension = 1;
 }
+
+TKX2DChartValues::~TKX2DChartValues() = default;
 
 void TKX2DChartValues::SetDateTimeAxes(TXYSet Value) {
   TKXChartValues::SetDateTimeAxes(TKXDimensionSet::FromBits(Value.Bits()));
@@ -80,39 +84,39 @@ TKX2DChartValue* TKX2DChartValues::Add(double X, double Y, const std::string& Ca
 }
 
 const TKXValueSummary& TKX2DChartValues::Summary() const {
-  FSummary.Sync(this);
-  return FSummary;
+  FSummary->Sync(this);
+  return *FSummary;
 }
 
 void TKX2DChartValues::ValueChanged(TKXChartValue* Value, int32_t Dimension) {
   inherited::ValueChanged(Value, Dimension);
-  if (Value->TKXChartValue::Collection() == this) FSummary.ValueChanged(Value->Index());
+  if (Value->TKXChartValue::Collection() == this) FSummary->ValueChanged(Value->Index());
 }
 
 void TKX2DChartValues::VisibleChanged(TKXChartValue* Value) {
   inherited::VisibleChanged(Value);
-  FSummary.ValueChanged(Value->Index());
+  FSummary->ValueChanged(Value->Index());
 }
 
 void TKX2DChartValues::SelectionChanged(TKXChartValue* Value) {
   inherited::SelectionChanged(Value);
-  FSummary.ValueChanged(Value->Index());
+  FSummary->ValueChanged(Value->Index());
 }
 
 void TKX2DChartValues::LookChanged(TKXChartValue* Value) {
   inherited::LookChanged(Value);
-  FSummary.ValueChanged(Value->Index());
+  FSummary->ValueChanged(Value->Index());
 }
 
 void TKX2DChartValues::Notify(TCollectionItem* Item, TCollectionNotification Action) {
   // While it is extracted the value still stands at its index.
-  if (Action == cnExtracting) FSummary.Removing(Item->Index());
+  if (Action == cnExtracting) FSummary->Removing(Item->Index());
   inherited::Notify(Item, Action);
 }
 
 void TKX2DChartValues::ItemsMoved(int32_t From, int32_t To) {
   inherited::ItemsMoved(From, To);
-  FSummary.InvalidateFrom(From);
+  FSummary->InvalidateFrom(From);
 }
 
 bool TKX2DChartValues::GetIndexedExtent(int32_t Dimension, double& Lo, double& Hi) const {

@@ -8,17 +8,18 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <span>
 #include <string>
 
-#include "kxcharts/charts/KXValueSummary.h"
 #include "kxcharts/core/KXChartValues.h"
-#include "kxcharts/toolkit/KXClasses.h"
-#include "kxcharts/toolkit/KXTypes.h"
+#include "kxcharts/toolkit/objects/KXClasses.h"
+#include "kxcharts/toolkit/runtime/KXTypes.h"
 
 namespace kx {
 
 class TKX2DChartValues;
+class TKXValueSummary;
 class TKX3DChartValues;
 class TKX2DImageChartValues;
 
@@ -69,12 +70,14 @@ protected:
   const int32_t FXDim = 0;
 
 private:
-  // Built on first use; told of every change from then on.
-  mutable TKXValueSummary FSummary;
+  // Built on first use; told of every change from then on. Held by pointer because the
+  // summary's type is the library's own business (a private header).
+  std::unique_ptr<TKXValueSummary> FSummary;
 
 public:
   // Two dimensions, X the time dimension, Y the default one.
   TKX2DChartValues(TKXCustomChart* AOwner, TKXChartValueClass ValueClass);
+  ~TKX2DChartValues() override;
 
   // --- Properties ---
   TKX2DChartValue* Items(int32_t Index) const {

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <limits>
 
-#include "kxcharts/toolkit/KXCommon.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/chartkit/KXCommon.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 

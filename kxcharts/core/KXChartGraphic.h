@@ -24,16 +24,16 @@
 #include <functional>
 #include <string>
 
-#include "kxcharts/toolkit/KXBitmap.h"
-#include "kxcharts/toolkit/KXCanvas.h"
-#include "kxcharts/toolkit/KXClasses.h"
-#include "kxcharts/toolkit/KXControls.h"
-#include "kxcharts/toolkit/KXDeltaFont.h"
-#include "kxcharts/toolkit/KXEnum.h"
-#include "kxcharts/toolkit/KXGraphicObjects.h"
-#include "kxcharts/toolkit/KXSet.h"
-#include "kxcharts/toolkit/KXTypes.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
+#include "kxcharts/toolkit/objects/KXClasses.h"
+#include "kxcharts/toolkit/controls/KXControls.h"
+#include "kxcharts/toolkit/chartkit/KXDeltaFont.h"
+#include "kxcharts/toolkit/runtime/KXEnum.h"
+#include "kxcharts/toolkit/graphics/KXGraphicObjects.h"
+#include "kxcharts/toolkit/runtime/KXSet.h"
+#include "kxcharts/toolkit/runtime/KXTypes.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "kxcharts/axes/KXChartAxis.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "kxcharts/toolkit/KXSysUtils.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "kxcharts/toolkit/runtime/KXSysUtils.h"
 
 namespace kx {
 

@@ -7,11 +7,11 @@
 #include <cstdint>
 
 #include "kxcharts/core/KXChartGraphic.h"
-#include "kxcharts/toolkit/KXBitmap.h"
-#include "kxcharts/toolkit/KXCanvas.h"
-#include "kxcharts/toolkit/KXEnum.h"
-#include "kxcharts/toolkit/KXGraphicObjects.h"
-#include "kxcharts/toolkit/KXTypes.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
+#include "kxcharts/toolkit/runtime/KXEnum.h"
+#include "kxcharts/toolkit/graphics/KXGraphicObjects.h"
+#include "kxcharts/toolkit/runtime/KXTypes.h"
 
 namespace kx {
 

@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "kxcharts/toolkit/KXCommon.h"
-#include "kxcharts/toolkit/KXObject.h"
+#include "kxcharts/toolkit/chartkit/KXCommon.h"
+#include "kxcharts/toolkit/objects/KXObject.h"
 
 namespace kx {
 

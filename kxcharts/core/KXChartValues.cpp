@@ -6,11 +6,11 @@
 #include <limits>
 
 #include "kxcharts/core/KXCustomChart.h"
-#include "kxcharts/toolkit/KXFormat.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXLists.h"
-#include "kxcharts/toolkit/KXMath.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/runtime/KXFormat.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/objects/KXLists.h"
+#include "kxcharts/toolkit/runtime/KXMath.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 

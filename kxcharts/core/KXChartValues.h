@@ -21,11 +21,11 @@
 #include <type_traits>
 #include <vector>
 
-#include "kxcharts/toolkit/KXClasses.h"
-#include "kxcharts/toolkit/KXCommon.h"
-#include "kxcharts/toolkit/KXEnum.h"
-#include "kxcharts/toolkit/KXSet.h"
-#include "kxcharts/toolkit/KXTypes.h"
+#include "kxcharts/toolkit/objects/KXClasses.h"
+#include "kxcharts/toolkit/chartkit/KXCommon.h"
+#include "kxcharts/toolkit/runtime/KXEnum.h"
+#include "kxcharts/toolkit/runtime/KXSet.h"
+#include "kxcharts/toolkit/runtime/KXTypes.h"
 
 namespace kx {
 

@@ -6,14 +6,14 @@
 
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
-#include "kxcharts/toolkit/KXFormat.h"
-#include "kxcharts/toolkit/KXForms.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXMath.h"
-#include "kxcharts/toolkit/KXObjectRect.h"
-#include "kxcharts/toolkit/KXPathData.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/runtime/KXFormat.h"
+#include "kxcharts/toolkit/controls/KXForms.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/runtime/KXMath.h"
+#include "kxcharts/toolkit/objects/KXObjectRect.h"
+#include "kxcharts/toolkit/graphics/KXPathData.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx {
 
@@ -43,7 +43,6 @@ void RegisterChart(TKXCustomChartClass ChartClass) {
 }
 
 TKXCustomChartClass GetChartClass(TKXChartType ChartType) {
-  StartChartModules();
   auto List = ChartRegistry().LockList();
   for (TKXCustomChartClass C : *List)
     if (C->GetChartType() == ChartType) return C;

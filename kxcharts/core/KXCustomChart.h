@@ -20,15 +20,15 @@
 
 #include "kxcharts/core/KXChartListeners.h"
 #include "kxcharts/core/KXChartValues.h"
-#include "kxcharts/toolkit/KXCanvas.h"
-#include "kxcharts/toolkit/KXClasses.h"
-#include "kxcharts/toolkit/KXCommonCharts.h"
-#include "kxcharts/toolkit/KXControls.h"
-#include "kxcharts/toolkit/KXEnum.h"
-#include "kxcharts/toolkit/KXGraphicObjects.h"
-#include "kxcharts/toolkit/KXLists.h"
-#include "kxcharts/toolkit/KXSet.h"
-#include "kxcharts/toolkit/KXTypes.h"
+#include "kxcharts/toolkit/graphics/KXCanvas.h"
+#include "kxcharts/toolkit/objects/KXClasses.h"
+#include "kxcharts/toolkit/chartkit/KXCommonCharts.h"
+#include "kxcharts/toolkit/controls/KXControls.h"
+#include "kxcharts/toolkit/runtime/KXEnum.h"
+#include "kxcharts/toolkit/graphics/KXGraphicObjects.h"
+#include "kxcharts/toolkit/objects/KXLists.h"
+#include "kxcharts/toolkit/runtime/KXSet.h"
+#include "kxcharts/toolkit/runtime/KXTypes.h"
 
 namespace kx {
 
@@ -583,18 +583,14 @@ extern int32_t ColorListIndex;
 // Adds the class to the chart registry unless it is there, and registers it for
 // streaming. Safe from any thread.
 void RegisterChart(TKXCustomChartClass ChartClass);
-// The first registered class of that kind, or nil. Starts the chart modules first.
+// The first registered class of that kind, or nil. The registry holds what the started
+// modules registered (StartChartModules, in the umbrella library, starts them all).
 TKXCustomChartClass GetChartClass(TKXChartType ChartType);
 // The kind of the chart's class; ctCustom for nil.
 TKXChartType GetChartType(const TKXCustomChart* Chart);
 // Registers the classes of this module that a form reader makes by name (TKXChart,
 // TKXChartPanel). Runs once.
 void StartChartPanelModule();
-// Starts every chart module of the library once, in the fixed order, so that each
-// registers its chart classes. The registry readers call it first; an application calls
-// it before it reads a form that holds charts. Defined at the top of the library, which
-// alone knows every module.
-void StartChartModules();
 
 // (3, 4, 3, 4): left, top, right, bottom.
 TRect DefaultMarginsRect();

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 

@@ -8,10 +8,10 @@
 
 #include "kxcharts/core/KXChartValues.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "kxcharts/toolkit/KXSysUtils.h"
-#include "kxcharts/toolkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "kxcharts/toolkit/runtime/KXSysUtils.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx {
 

@@ -11,10 +11,10 @@
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "tests/axes/KXAxesTestSupport.h"
-#include "tests/core/KXCoreTestSupport.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "axes/KXAxesTestSupport.h"
+#include "core/KXCoreTestSupport.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {

@@ -10,11 +10,11 @@
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXBitmap.h"
-#include "kxcharts/toolkit/KXDateUtils.h"
-#include "kxcharts/toolkit/KXFormat.h"
-#include "tests/axes/KXAxesTestSupport.h"
-#include "tests/core/KXCoreTestSupport.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
+#include "kxcharts/toolkit/runtime/KXDateUtils.h"
+#include "kxcharts/toolkit/runtime/KXFormat.h"
+#include "axes/KXAxesTestSupport.h"
+#include "core/KXCoreTestSupport.h"
 
 namespace kx {
 namespace {

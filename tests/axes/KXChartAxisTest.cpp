@@ -1,5 +1,5 @@
 #include "kxcharts/axes/KXChartAxis.h"
-#include "tests/axes/KXAxesTestSupport.h"
+#include "axes/KXAxesTestSupport.h"
 
 #include <cmath>
 #include <limits>
@@ -11,9 +11,9 @@
 
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXMath.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/runtime/KXMath.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 

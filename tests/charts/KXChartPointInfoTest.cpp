@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "kxcharts/core/KXCustomChart.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {

@@ -11,7 +11,7 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx::test {
 

@@ -8,7 +8,7 @@
 
 #include "KXChartsTestSupport.h"
 #include "kxcharts/axes/KXAxisGrid.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 #include <nlohmann/json.hpp>
 
@@ -39,7 +39,7 @@ std::vector<Points> PointsOf(const std::vector<TDrawnSegment>& Segments) {
 // --- Construction, options, colours ---
 
 TEST(LineCharts, DefaultsOfTheLineAndTheAreaChart) {
-  StartChartModules();
+  StartChartsModule();
   TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
   auto* Line = New<TKXLineChart>(Form.get());
   auto* Area = New<TKXAreaChart>(Form.get());
@@ -99,7 +99,7 @@ TEST(LineCharts, ValuesStayInRisingXWhateverOrderTheyCome) {
 }
 
 TEST(LineCharts, PreviewShowsFiveNamedValuesThatAreNotStored) {
-  StartChartModules();
+  StartChartsModule();
   TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
   Form->SetName("Form1");
   RegisterClasses({ClassOf<TChartsForm>()});

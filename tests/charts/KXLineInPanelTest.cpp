@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "KXChartsTestSupport.h"
-#include "kxcharts/toolkit/KXForms.h"
+#include "kxcharts/toolkit/controls/KXForms.h"
 
 namespace kx {
 namespace {

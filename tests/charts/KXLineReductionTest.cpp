@@ -7,9 +7,9 @@
 #include <random>
 #include <string>
 
-#include "kxcharts/charts/KXLineReduction.h"
-#include "tests/axes/KXAxesTestSupport.h"
-#include "tests/charts/KXChartsTestSupport.h"
+#include "kxcharts/charts/KXLineReduction_p.h"
+#include "axes/KXAxesTestSupport.h"
+#include "charts/KXChartsTestSupport.h"
 
 namespace kx::test {
 namespace {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "KXChartsTestSupport.h"
-#include "kxcharts/toolkit/KXStreaming.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
 namespace {

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "kxcharts/toolkit/KXGraphics.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/graphics/KXGraphics.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 

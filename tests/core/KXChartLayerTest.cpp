@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "kxcharts/axes/KXChartAxis.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "tests/axes/KXAxesTestSupport.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "axes/KXAxesTestSupport.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "KXCoreTestSupport.h"
-#include "kxcharts/toolkit/KXLists.h"
+#include "kxcharts/toolkit/objects/KXLists.h"
 
 namespace kx {
 namespace {

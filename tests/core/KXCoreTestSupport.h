@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXClasses.h"
+#include "kxcharts/toolkit/objects/KXClasses.h"
 
 namespace kx::test {
 

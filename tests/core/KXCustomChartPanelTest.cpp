@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "tests/core/KXCoreTestSupport.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "core/KXCoreTestSupport.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {
@@ -542,7 +542,7 @@ TEST(ChartPanel, StoresTheSelectionColourAlwaysAndMarginsOnlyWhenTheyDiffer) {
 // Charts on the panel and a chart alone come back where they were, with their settings and
 // values, and the panel paints the same pixels.
 TEST(ChartPanel, AFormSavedAndLoadedBackHoldsTheSameChartsAndPaintsTheSamePixels) {
-  StartChartModules();
+  StartChartPanelModule();
   RegisterClasses({ClassOf<TTestForm>(), ClassOf<TMarkChart>()});
   ColorListIndex = 0;
   TOwned<TTestForm> Form(New<TTestForm>(nullptr));

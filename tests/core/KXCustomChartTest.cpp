@@ -8,10 +8,10 @@
 #include <gtest/gtest.h>
 
 #include "KXCoreTestSupport.h"
-#include "kxcharts/toolkit/KXBitmap.h"
-#include "kxcharts/toolkit/KXObjectRect.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
+#include "kxcharts/toolkit/objects/KXObjectRect.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {
@@ -509,6 +509,7 @@ TEST(CustomChart, AChartAlonePaintsItselfOnFreshAxes) {
 // --- Registry ---
 
 TEST(ChartRegistry, AnswersClassesByKind) {
+  StartChartPanelModule();
   EXPECT_EQ(GetChartClass(ctCustom), ClassOf<TKXChart>());
   EXPECT_EQ(GetChartClass(ctDonutEx), nullptr);
   EXPECT_EQ(GetChartType(nullptr), ctCustom);

@@ -14,8 +14,8 @@
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
 
-#include "kxcharts/toolkit/KXBitmap.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/KXStreaming.h"
-#include "tests/core/KXCoreTestSupport.h"
-#include "tests/support/KXBitmapProbe.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "core/KXCoreTestSupport.h"
+#include "support/KXBitmapProbe.h"
 
 namespace kx {
 
@@ -499,7 +499,7 @@ TEST_F(LegendDrawing, OnThePanelsOwnCanvasNothingLeavesTheBoxsInside) {
 // --- Stored properties ---
 
 TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
-  StartChartModules();
+  StartChartPanelModule();
   RegisterClasses({ClassOf<TTestForm>(), ClassOf<TTestChart>()});
   Form->SetName("Form1");
   const std::string Plain = SaveFormToString(Form.get());
@@ -560,7 +560,7 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
 }
 
 TEST_F(LegendInPanel, LinesThatAreNotTextsAreRefusedByName) {
-  StartChartModules();
+  StartChartPanelModule();
   RegisterClasses({ClassOf<TTestForm>(), ClassOf<TTestChart>()});
   Form->SetName("Form1");
   SetFixedLines(Legend, {"x"});

@@ -1,4 +1,4 @@
-#include "tests/support/KXBitmapProbe.h"
+#include "support/KXBitmapProbe.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <vector>
 
-#include "kxcharts/toolkit/KXBitmap.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace kx {
 

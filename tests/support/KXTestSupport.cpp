@@ -1,4 +1,4 @@
-#include "tests/support/KXTestSupport.h"
+#include "support/KXTestSupport.h"
 
 #include <atomic>
 #include <unistd.h>

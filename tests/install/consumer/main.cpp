@@ -1,7 +1,7 @@
 #include <iostream>
 
-#include "kxcharts/toolkit/KXObject.h"
-#include "kxcharts/toolkit/KXSet.h"
+#include "kxcharts/toolkit/objects/KXObject.h"
+#include "kxcharts/toolkit/runtime/KXSet.h"
 
 int main() {
   kx::TObject* O = kx::New<kx::TPersistent>();
