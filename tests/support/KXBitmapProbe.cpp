@@ -79,4 +79,3 @@ bool Near(TColor A, TColor B, int Tolerance) {
 }
 
 } // namespace kx::test
-

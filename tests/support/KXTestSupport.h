@@ -1,10 +1,30 @@
 #pragma once
-// Helpers shared by the test programs.
+// Helpers shared by the test programs: odd numbers, the message of what a call raises,
+// temporary folders, and a form that stores any parts for round trips.
 
 #include <filesystem>
+#include <functional>
+#include <limits>
 #include <string>
+#include <utility>
+#include <vector>
+
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx::test {
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double Inf = std::numeric_limits<double>::infinity();
+
+// The message of the E that Fn raises, or "no exception".
+template <class E = Exception, class F> std::string MessageOf(F&& Fn) {
+  try {
+    Fn();
+  } catch (const E& X) {
+    return X.Message();
+  }
+  return "no exception";
+}
 
 // A fresh, empty folder under the system's temporary folder, removed when destroyed.
 class TTempDir {
@@ -19,5 +39,39 @@ public:
 private:
   std::filesystem::path FPath;
 };
+
+// A form that stores the parts it is given, each under its name, as a component stores
+// the objects it owns: a part's stored form needs no holder class of its own.
+class TPartsForm : public TComponent {
+  KX_CLASS(TPartsForm, TComponent)
+
+public:
+  using TComponent::TComponent;
+  // Adds a part made as New<T>(Args...), stored as Name.
+  template <class T, class... A> T* Add(const std::string& Name, A... Args) {
+    FMakers.push_back({Name, [=] { return TOwned<TPersistent>(New<T>(Args...)); }});
+    FParts.push_back(FMakers.back().second());
+    return static_cast<T*>(FParts.back().get());
+  }
+  template <class T> T* Part(size_t I) const { return static_cast<T*>(FParts.at(I).get()); }
+  // A form of fresh parts of the same making.
+  TOwned<TPartsForm> Fresh() const;
+
+protected:
+  void DefineProperties(TFiler& Filer) override;
+
+private:
+  std::vector<std::pair<std::string, std::function<TOwned<TPersistent>()>>> FMakers;
+  std::vector<TOwned<TPersistent>> FParts;
+};
+
+// Form written and read back into a fresh form of the same parts, which must write the same
+// document again: a property that reads back wrong writes back differently. Json gets the
+// document.
+TOwned<TPartsForm> RoundTrip(const TPartsForm* Form, std::string* Json = nullptr);
+
+// Expects Json to hold a property of each name ("Name": ...): a round trip that writes the
+// same document again proves that what is written reads back, not that it is written.
+void ExpectStored(const std::string& Json, std::initializer_list<const char*> Names);
 
 } // namespace kx::test

@@ -1,7 +1,7 @@
 #include "kxcharts/toolkit/graphics/KXBitmap.h"
 
-#include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
+#include "kxcharts/toolkit/objects/KXStreaming.h"
 
 #include <fstream>
 #include <string>
@@ -22,14 +22,10 @@ void WriteBytes(const std::filesystem::path& P, const std::vector<uint8_t>& Byte
   Out.write(reinterpret_cast<const char*>(Bytes.data()), std::streamsize(Bytes.size()));
 }
 
-// Runs F and returns the message of the EInvalidGraphic it raises ("" when none).
+// The message of the EInvalidGraphic that Fn raises ("" when none).
 template <class F> std::string ErrorOf(F&& Fn) {
-  try {
-    Fn();
-  } catch (const EInvalidGraphic& E) {
-    return E.Message();
-  }
-  return "";
+  const std::string M = test::MessageOf<EInvalidGraphic>(Fn);
+  return M == "no exception" ? "" : M;
 }
 
 TEST(Bitmap, SetSizeKeepsTheCanvasAndSharedPixelsWhitensNewOnesAndClamps) {
@@ -321,20 +317,15 @@ TEST(StoredGraphics, FormsCarryPensBrushesFontsPicturesAndImageLists) {
   Form->SetImages(Images);
   const std::string Json = SaveFormToString(Form.get());
   EXPECT_EQ(Json.find("\"Mode\""), std::string::npos) << "defaults stay out";
+  test::ExpectStored(Json, {"Color", "Width", "Style", "Name", "Height", "Orientation", "Data"});
 
   TOwned<TGfxHolder> Copy(New<TGfxHolder>(nullptr));
   LoadFormFromString(Copy.get(), Json);
-  EXPECT_EQ(Copy->Pen()->Color(), clRed);
-  EXPECT_EQ(Copy->Pen()->Width(), 3);
-  EXPECT_EQ(Copy->Pen()->Style(), psDot);
-  EXPECT_EQ(Copy->Brush()->Color(), clAqua);
+  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
   EXPECT_EQ(Copy->Brush()->Style(), bsClear) << "the style is read after the colour";
   EXPECT_TRUE(Copy->Font()->SameAs(*Form->Font()));
-  ASSERT_EQ(Copy->Picture()->Width(), 3);
   EXPECT_EQ(Copy->Picture()->Bitmap()->Canvas()->Pixel(2, 1), clGreen);
   ASSERT_NE(Copy->Images(), nullptr);
-  EXPECT_EQ(Copy->Images()->Count(), 2);
-  EXPECT_EQ(Copy->Images()->Width(), 2);
   EXPECT_EQ(Copy->Images()->Image(1)->Canvas()->Pixel(1, 1), clYellow);
 
   std::string Bad = Json;

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/KXTestSupport.h"
+
 namespace kx {
 namespace {
 
@@ -257,12 +259,8 @@ TEST(ClassRegistry, FindsRegisteredClassesByNameAndRefusesANameClash) {
   EXPECT_EQ(FindClass("TSpecialWatcher"), ClassOf<TSpecialWatcher>());
   EXPECT_EQ(GetClass("TComponent"), ClassOf<TComponent>()); // ancestors come along
   EXPECT_EQ(GetClass("TNoSuchThing"), nullptr);
-  try {
-    FindClass("TNoSuchThing");
-    FAIL();
-  } catch (const EClassNotFound& E) {
-    EXPECT_EQ(E.Message(), "Class TNoSuchThing not found");
-  }
+  EXPECT_EQ(test::MessageOf<EClassNotFound>([] { FindClass("TNoSuchThing"); }),
+            "Class TNoSuchThing not found");
   static const TComponentMetaImpl<TWatcher> Impostor("TWatcher", ClassOf<TComponent>());
   EXPECT_THROW(RegisterClass(&Impostor), EFilerError);
   UnRegisterClass(ClassOf<TSpecialWatcher>());
@@ -454,14 +452,9 @@ TEST(Collection, SettingCollectionToNilTakesTheItemOutWithoutAnUpdate) {
 TEST(Collection, IndexErrorsNameTheIndex) {
   TOwned<TJournalCollection> C(New<TJournalCollection>());
   C->Add();
-  for (int32_t Bad : {-1, 1}) {
-    try {
-      C->Delete(Bad);
-      FAIL();
-    } catch (const EListError& E) {
-      EXPECT_EQ(E.Message(), "List index out of bounds (" + std::to_string(Bad) + ")");
-    }
-  }
+  for (int32_t Bad : {-1, 1})
+    EXPECT_EQ(test::MessageOf<EListError>([&] { C->Delete(Bad); }),
+              "List index out of bounds (" + std::to_string(Bad) + ")");
   EXPECT_THROW(C->Insert(2), EListError);
   EXPECT_THROW(C->Items(0)->SetIndex(1), EListError);
 }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/KXTestSupport.h"
+
 namespace kx {
 namespace {
 
@@ -73,18 +75,10 @@ TEST(Persistent, AssignCopiesAndRejectsImpossiblePairs) {
   EXPECT_EQ(A->Value, 7);
 
   auto S = MakeOwned<TStranger>();
-  try {
-    A->Assign(S.get());
-    FAIL() << "no exception";
-  } catch (const EConvertError& E) {
-    EXPECT_EQ(E.Message(), "Cannot assign a TStranger to a TBase");
-  }
-  try {
-    S->Assign(nullptr);
-    FAIL() << "no exception";
-  } catch (const EConvertError& E) {
-    EXPECT_EQ(E.Message(), "Cannot assign a nil to a TStranger");
-  }
+  EXPECT_EQ(test::MessageOf<EConvertError>([&] { A->Assign(S.get()); }),
+            "Cannot assign a TStranger to a TBase");
+  EXPECT_EQ(test::MessageOf<EConvertError>([&] { S->Assign(nullptr); }),
+            "Cannot assign a nil to a TStranger");
   S->Assign(S.get()); // to itself: nothing happens, nothing raised
 }
 

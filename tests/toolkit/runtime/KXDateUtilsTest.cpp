@@ -3,8 +3,11 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
+
+#include "support/KXTestSupport.h"
 
 namespace kx {
 namespace {
@@ -80,23 +83,14 @@ TEST(DateUtils, InvalidPartsRaiseEncodeErrors) {
     TDateTime Out = -7;
     EXPECT_FALSE(TryEncodeDate(B[0], B[1], B[2], Out));
     EXPECT_EQ(Out, -7); // untouched on failure
-    try {
-      EncodeDate(B[0], B[1], B[2]);
-      ADD_FAILURE() << B[0] << "-" << B[1] << "-" << B[2];
-    } catch (const EConvertError& E) {
-      EXPECT_EQ(E.Message(), "Invalid argument to date encode");
-    }
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { EncodeDate(B[0], B[1], B[2]); }),
+              "Invalid argument to date encode");
   }
   const int32_t BadTimes[][4] = {
       {24, 0, 0, 0}, {0, 60, 0, 0}, {0, 0, 60, 0}, {0, 0, 0, 1000}, {-1, 0, 0, 0}};
-  for (const auto& B : BadTimes) {
-    try {
-      EncodeTime(B[0], B[1], B[2], B[3]);
-      ADD_FAILURE() << B[0] << ":" << B[1] << ":" << B[2] << "." << B[3];
-    } catch (const EConvertError& E) {
-      EXPECT_EQ(E.Message(), "Invalid argument to time encode");
-    }
-  }
+  for (const auto& B : BadTimes)
+    EXPECT_EQ(test::MessageOf<EConvertError>([&] { EncodeTime(B[0], B[1], B[2], B[3]); }),
+              "Invalid argument to time encode");
 }
 
 TEST(DateUtils, NegativeDatesCountDaysBackAndKeepTheTimeOfDay) {
@@ -116,10 +110,9 @@ TEST(DateUtils, TimesResolveToTheNearestMillisecond) {
   EXPECT_TRUE(IsDate(0.5, 1899, 12, 30, 12));
   EXPECT_TRUE(IsDate(EncodeTime(23, 59, 59, 999), 1899, 12, 30, 23, 59, 59, 999));
   EXPECT_TRUE(IsDate(0.9999999999, 1899, 12, 31)); // rounds up into the next midnight
-  EXPECT_EQ(HourOf(EncodeTime(13, 5, 9, 7)), 13);
-  EXPECT_EQ(MinuteOf(EncodeTime(13, 5, 9, 7)), 5);
-  EXPECT_EQ(SecondOf(EncodeTime(13, 5, 9, 7)), 9);
-  EXPECT_EQ(MilliSecondOf(EncodeTime(13, 5, 9, 7)), 7);
+  const TDateTime T = EncodeTime(13, 5, 9, 7);
+  EXPECT_EQ((std::vector{HourOf(T), MinuteOf(T), SecondOf(T), MilliSecondOf(T)}),
+            (std::vector<int32_t>{13, 5, 9, 7}));
 }
 
 TEST(DateUtils, MonthStepsClampTheDayToTheMonthsEnd) {
@@ -158,12 +151,10 @@ TEST(DateUtils, PeriodBoundsUseIsoWeeksAndRealMonthLengths) {
   const TDateTime Wednesday = EncodeDateTime(2024, 1, 3, 15, 0, 0, 0);
   EXPECT_EQ(StartOfTheWeek(Wednesday), EncodeDate(2024, 1, 1));
   EXPECT_EQ(StartOfTheWeek(EncodeDate(2024, 1, 7)), EncodeDate(2024, 1, 1)); // a Sunday
-  EXPECT_EQ(StartOfTheWeek(EncodeDate(2024, 1, 1)), EncodeDate(2024, 1, 1));
   EXPECT_TRUE(IsDate(EndOfTheWeek(Wednesday), 2024, 1, 7, 23, 59, 59, 999));
   EXPECT_EQ(StartOfTheMonth(Wednesday), EncodeDate(2024, 1, 1));
   EXPECT_TRUE(IsDate(EndOfTheMonth(EncodeDate(2024, 2, 10)), 2024, 2, 29, 23, 59, 59, 999));
   EXPECT_TRUE(IsDate(EndOfTheMonth(EncodeDate(1900, 2, 10)), 1900, 2, 28, 23, 59, 59, 999));
-  EXPECT_EQ(StartOfTheYear(Wednesday), EncodeDate(2024, 1, 1));
   EXPECT_TRUE(IsDate(EndOfTheYear(Wednesday), 2024, 12, 31, 23, 59, 59, 999));
   EXPECT_EQ(StartOfTheWeek(EncodeDate(1, 1, 3)), EncodeDate(1, 1, 1));
 }
@@ -176,20 +167,8 @@ TEST(DateUtils, RecodeReplacesOnlyTheFieldsGiven) {
   EXPECT_TRUE(IsDate(RecodeDateTime(V, RecodeLeaveFieldAsIs, 7, RecodeLeaveFieldAsIs, 0,
                                     RecodeLeaveFieldAsIs, 0, 0),
                      2024, 7, 10, 0, 5));
-  struct {
-    TDateTime (*Recode)(TDateTime, int32_t);
-    int32_t Value;
-    const char* Message;
-  } const Bad[] = {{RecodeDay, 30, "Invalid argument to date encode"},
-                   {RecodeHour, 24, "Invalid argument to time encode"}};
-  for (const auto& B : Bad) {
-    try {
-      B.Recode(V, B.Value);
-      ADD_FAILURE() << B.Message << " " << B.Value;
-    } catch (const EConvertError& E) {
-      EXPECT_EQ(E.Message(), B.Message);
-    }
-  }
+  EXPECT_EQ(test::MessageOf([&] { RecodeDay(V, 30); }), "Invalid argument to date encode");
+  EXPECT_EQ(test::MessageOf([&] { RecodeHour(V, 24); }), "Invalid argument to time encode");
   TDateTime Out = 1;
   EXPECT_FALSE(TryRecodeDateTime(EncodeDate(2024, 2, 29), 2023, RecodeLeaveFieldAsIs,
                                  RecodeLeaveFieldAsIs, 0, 0, 0, 0, Out));
@@ -197,25 +176,16 @@ TEST(DateUtils, RecodeReplacesOnlyTheFieldsGiven) {
 }
 
 TEST(DateUtils, ValuesOutsideTheCalendarRaiseAClearError) {
-  const double Bad[] = {std::numeric_limits<double>::quiet_NaN(),
-                        std::numeric_limits<double>::infinity(),
-                        -std::numeric_limits<double>::infinity(),
-                        1e300,
-                        -1e300,
-                        MinDateTime - 1,
-                        2958466.0,
-                        MaxDateTime + 1e-8}; // rounds into year 10000
+  // MaxDateTime + 1e-8 rounds into year 10000.
+  const double Bad[] = {test::NaN, test::Inf,       -test::Inf, 1e300,
+                        -1e300,    MinDateTime - 1, 2958466.0,  MaxDateTime + 1e-8};
   for (double V : Bad) {
     EXPECT_THROW(DateParts(V), EConvertError) << V;
     EXPECT_THROW(DayOfWeek(V), EConvertError) << V;
     EXPECT_THROW(IncDay(V, 0), EConvertError) << V;
     EXPECT_THROW(StartOfTheMonth(V), EConvertError) << V;
   }
-  try {
-    YearOf(1e300);
-  } catch (const EConvertError& E) {
-    EXPECT_EQ(E.Message(), "'1e+300' is not a valid date and time");
-  }
+  EXPECT_EQ(test::MessageOf([] { YearOf(1e300); }), "'1e+300' is not a valid date and time");
   EXPECT_TRUE(IsDate(MinDateTime, 1, 1, 1));
   EXPECT_TRUE(IsDate(MaxDateTime, 9999, 12, 31, 23, 59, 59, 999));
   EXPECT_THROW(IncMilliSecond(MaxDateTime), EConvertError);

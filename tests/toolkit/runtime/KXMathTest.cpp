@@ -7,13 +7,15 @@
 
 #include <gtest/gtest.h>
 
+#include "support/KXTestSupport.h"
+
 namespace kx {
 namespace {
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Inf = std::numeric_limits<double>::infinity();
+using test::Inf;
+using test::NaN;
 
-TEST(SameValue, DefaultToleranceScalesWithTheSmallerMagnitude) {
+TEST(SameValue, ToleranceScalesWithTheSmallerMagnitude) {
   struct {
     double A, B;
     bool Same;
@@ -30,12 +32,10 @@ TEST(SameValue, DefaultToleranceScalesWithTheSmallerMagnitude) {
   }
   EXPECT_TRUE(SameValue(1.0, 1.5, 0.5));
   EXPECT_FALSE(SameValue(1.0, 1.5, 0.4));
-}
-
-TEST(SameValue, SingleFormUsesTheCoarserSingleResolution) {
+  // Singles use their coarser resolution: 1e-4 of the smaller.
   EXPECT_TRUE(SameValue(1.0f, 1.00009f));
   EXPECT_FALSE(SameValue(1.0f, 1.0002f));
-  EXPECT_TRUE(SameValue(1000.0f, 1000.09f)); // 1e-4 of a thousand
+  EXPECT_TRUE(SameValue(1000.0f, 1000.09f));
 }
 
 TEST(Round, HalvesGoToTheEvenNeighbour) {
@@ -67,12 +67,8 @@ TEST(Round, IntegerConversionsRefuseNumbersWithoutAnInt64Result) {
     EXPECT_THROW(Floor(X), EInvalidOp) << X;
     EXPECT_THROW(Ceil(X), EInvalidOp) << X;
   }
-  try {
-    Round(NaN);
-  } catch (const EInvalidOp& E) {
-    EXPECT_EQ(E.Message(), "Invalid floating point operation: Round of NAN has no 64-bit "
-                           "integer result");
-  }
+  EXPECT_EQ(test::MessageOf([] { Round(NaN); }),
+            "Invalid floating point operation: Round of NAN has no 64-bit integer result");
 }
 
 TEST(Round, TruncFloorCeilIntAndFracAgreeOnSigns) {
@@ -193,12 +189,11 @@ TEST(Statistics, SampleAndPopulationFormsDivideByNMinusOneAndN) {
   EXPECT_EQ(PopnStdDev(Data), 2);
   EXPECT_DOUBLE_EQ(Variance(Data), 32.0 / 7);
   EXPECT_DOUBLE_EQ(StdDev(Data), std::sqrt(32.0 / 7));
-  double M = 0, S = 0;
+  double M = 0, S = 0, Sm = 0, Sq = 0;
   MeanAndStdDev(Data, M, S);
+  SumsAndSquares(Data, Sm, Sq);
   EXPECT_EQ(M, 5);
   EXPECT_DOUBLE_EQ(S, StdDev(Data));
-  double Sm = 0, Sq = 0;
-  SumsAndSquares(Data, Sm, Sq);
   EXPECT_EQ(Sm, 40);
   EXPECT_EQ(Sq, 232);
 }
