@@ -111,7 +111,12 @@ void BM_AppendLive(benchmark::State& State) {
 
 } // namespace
 
-BENCHMARK(BM_PaintLine)->Arg(10000)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PaintLine)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Arg(1000000)
+    ->Arg(10000000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineZoomed)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineZoomedWidePen)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineValueColors)->Arg(100000)->Unit(benchmark::kMillisecond);

@@ -2,7 +2,9 @@
 #
 #   kx_add_layer(NAME FOLDERS f... LINKS l...)  a library layer made of kxcharts/<f>/*.cpp
 #   kx_add_test(FOLDER LAYER)                tests/FOLDER/**.cpp as one GoogleTest program
-#                                            against LAYER, labelled FOLDER (`ctest -L FOLDER`)
+#                                            against LAYER, labelled FOLDER (`ctest -L FOLDER`);
+#                                            a subfolder that mirrors another layer's folder
+#                                            (tests/charts/bars) is that layer's program
 #   kx_add_bench(NAME SOURCES...)            a Google Benchmark program
 #   kx_add_executable(NAME SOURCES...)       an application
 
@@ -31,6 +33,7 @@ function(kx_add_layer name)
   set(sources)
   set(public_headers)
   foreach(folder ${L_FOLDERS})
+    set_property(GLOBAL PROPERTY KX_LAYER_OF_${folder} ${name})
     set(dir ${PROJECT_SOURCE_DIR}/kxcharts/${folder})
     file(GLOB cpp CONFIGURE_DEPENDS ${dir}/*.cpp)
     file(GLOB headers CONFIGURE_DEPENDS ${dir}/*.h)
@@ -93,6 +96,20 @@ endfunction()
 
 function(kx_add_test folder layer)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  # The tests of a nested library folder that is a layer of its own (charts/bars under
+  # charts) go into that layer's program, not into this one, which cannot see its headers.
+  foreach(source ${sources})
+    file(RELATIVE_PATH relative ${CMAKE_CURRENT_SOURCE_DIR} ${source})
+    get_filename_component(dir ${relative} DIRECTORY)
+    while(NOT dir STREQUAL folder AND NOT dir STREQUAL "")
+      get_property(owner GLOBAL PROPERTY KX_LAYER_OF_${dir})
+      if(owner AND NOT owner STREQUAL layer)
+        list(REMOVE_ITEM sources ${source})
+        break()
+      endif()
+      get_filename_component(dir ${dir} DIRECTORY)
+    endwhile()
+  endforeach()
   if(NOT sources)
     return()
   endif()

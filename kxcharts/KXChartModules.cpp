@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "kxcharts/charts/KXCharts.h"
+#include "kxcharts/charts/bars/KXBarCharts.h"
 #include "kxcharts/core/KXCustomChart.h"
 
 namespace kx {
@@ -16,6 +17,7 @@ void StartChartModules() {
   std::call_once(Once, [] {
     StartChartPanelModule();
     StartChartsModule();
+    StartBarChartsModule();
   });
 }
 

@@ -624,11 +624,16 @@ double StackPart(const TKXCustomChart* Chart, int32_t Index, int32_t ValIndex,
 
 double TKXCustomChart::GetCumulativeValue(int32_t Index, int32_t ValIndex,
                                           TKXCustomChartClass ChartClass) const {
-  // Walked down the stack in a loop, not by recursion: a group may hold many charts.
-  double Total = 0.0;
-  for (const TKXCustomChart* C = this; C;) {
-    Total += StackPart(C, Index, ValIndex, ChartClass);
-    C = C->FPanel ? C->FPanel->Charts()->FindGroupPrevious(C) : nullptr;
+  double Total = StackPart(this, Index, ValIndex, ChartClass);
+  if (!FPanel) return Total;
+  // The stack below a chart is every visible chart of its group before it in the list (all
+  // of them for a chart not in the list): one pass, not a FindGroupPrevious pass per chart
+  // of the stack, which a group of many charts would pay for squared at every value.
+  const TKXChartList* List = FPanel->Charts();
+  for (int32_t I = 0; I < List->Count(); ++I) {
+    const TKXCustomChart* C = List->Items(I);
+    if (C == this) break;
+    if (C->Visible() && C->FGroup == FGroup) Total += StackPart(C, Index, ValIndex, ChartClass);
   }
   return Total;
 }

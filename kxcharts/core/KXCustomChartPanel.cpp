@@ -248,6 +248,18 @@ void TKXCustomChartPanel::SelectionColorChanged() {
 
 // --- Coordinates ---
 
+TPoint TKXCustomChartPanel::AxesPointToPoint(const TPointF& Pt, const TKXChartAxis* XAxis,
+                                             const TKXChartAxis* YAxis) {
+  return {XAxis ? XAxis->AxisToPixel(double(Pt.X)) : 0, YAxis ? YAxis->AxisToPixel(double(Pt.Y)) : 0};
+}
+
+TRect TKXCustomChartPanel::AxesRectToRect(const TRectF& ARect, const TKXChartAxis* XAxis,
+                                          const TKXChartAxis* YAxis) {
+  const TPoint TopLeft = AxesPointToPoint({ARect.Left, ARect.Top}, XAxis, YAxis);
+  const TPoint BottomRight = AxesPointToPoint({ARect.Right, ARect.Bottom}, XAxis, YAxis);
+  return {TopLeft.X, TopLeft.Y, BottomRight.X, BottomRight.Y};
+}
+
 TPointF TKXCustomChartPanel::PointToAxesPoint(const TPoint& Pt, const TKXChartAxis* XAxis,
                                               const TKXChartAxis* YAxis) {
   return {static_cast<float>(XAxis ? XAxis->PixelToAxis(Pt.X, false) : 0.0),

@@ -262,6 +262,14 @@ public:
   KX_PANEL_ELEMENT_EVENTS(Legend, FLegend)
 
   // --- Class-level ---
+  // The pixel point of an axis point: (XAxis.AxisToPixel(X), YAxis.AxisToPixel(Y)), each on
+  // its owner's plot rectangle; nil axes give 0.
+  static TPoint AxesPointToPoint(const TPointF& Pt, const TKXChartAxis* XAxis,
+                                 const TKXChartAxis* YAxis);
+  // The pixel rectangle of an axis rectangle: its two corners, each through
+  // AxesPointToPoint (so a rectangle whose Top is its lower value comes out upside down).
+  static TRect AxesRectToRect(const TRectF& ARect, const TKXChartAxis* XAxis,
+                              const TKXChartAxis* YAxis);
   // The axis values at a pixel point: (XAxis.PixelToAxis(X), YAxis.PixelToAxis(Y)), on the
   // zoomed ranges; nil axes give 0.
   static TPointF PointToAxesPoint(const TPoint& Pt, const TKXChartAxis* XAxis,

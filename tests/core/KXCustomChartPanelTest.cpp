@@ -384,6 +384,24 @@ TEST_F(ChartPanelLayout, AHandlerThatRaisesLeavesAreasAndClipAsTheyWere) {
 
 // --- Paint order ---
 
+TEST_F(ChartPanelLayout, PixelAndAxisRectanglesTurnIntoEachOtherOnThePlot) {
+  Panel->SetBounds(0, 0, 400, 300);
+  for (TKXChartAxis* A : {Panel->BottomAxis(), Panel->LeftAxis()}) {
+    A->SetMaximum(100);
+    A->SetMinimum(0);
+  }
+  Paint();
+  const TRect Plot = Panel->ChartRect();
+  const TKXChartAxis* X = Panel->BottomAxis();
+  const TKXChartAxis* Y = Panel->LeftAxis();
+  // The lower left of the range is the plot's lower left: rows grow downward.
+  EXPECT_EQ(TKXCustomChartPanel::AxesPointToPoint({0, 0}, X, Y), (TPoint{Plot.Left, Plot.Bottom}));
+  const TRect Box{Plot.Left + 20, Plot.Top + 10, Plot.Left + 120, Plot.Top + 90};
+  const TRectF Axes = TKXCustomChartPanel::RectToAxesRect(Box, X, Y);
+  EXPECT_EQ(FixRect(TKXCustomChartPanel::AxesRectToRect(Axes, X, Y)), Box);
+  EXPECT_EQ(TKXCustomChartPanel::AxesPointToPoint({5, 5}, nullptr, nullptr), (TPoint{0, 0}));
+}
+
 TEST_F(ChartPanelLayout, ElementsPaintInTheirFixedOrder) {
   std::vector<std::string> Order;
   Record(nullptr, &Order);

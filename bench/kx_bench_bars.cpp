@@ -1,0 +1,53 @@
+// What a full paint of a bar chart costs: a TKXBarChart in a default 1600 x 900 panel with
+// BM_PaintLine's settings (its ChartShadow hidden, Options without value colours and
+// labels), over N bars of a random walk, the whole panel painted. At 100,000 bars on about
+// 1,500 pixel columns every bar is narrower than a pixel; compare with
+// BM_PaintLine/100000 (kx_bench_line) in the same run:
+//   ./kx bench 'BM_Paint(Bars|Line)/100000$'
+#include <benchmark/benchmark.h>
+
+#include <random>
+
+#include "KXBenchSupport.h"
+#include "kxcharts/charts/bars/KXBarCharts.h"
+#include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/toolkit/graphics/KXBitmap.h"
+
+namespace {
+
+using namespace kx;
+using kx::bench::TBenchForm;
+
+constexpr int32_t Width = 1600, Height = 900;
+
+void BM_PaintBars(benchmark::State& State) {
+  TOwned<TBenchForm> Form(New<TBenchForm>(nullptr));
+  auto* Panel = New<TKXChartPanel>(Form.get());
+  auto* Chart = New<TKXBarChart>(Form.get());
+  Panel->SetBounds(0, 0, Width, Height);
+  Panel->ChartShadow()->SetVisible(false);
+  Chart->SetOptions(Chart->Options() - coValueColors - coValueLabels);
+  Chart->SetPanel(Panel);
+  std::mt19937 Random{20240601};
+  std::normal_distribution<double> Step{0.0, 1.0};
+  double Y = 0;
+  {
+    TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+    for (int64_t I = 0; I < State.range(0); ++I)
+      Chart->Values()->Add(Y += Step(Random), "");
+  }
+  const auto Paint = [&] {
+    Panel->Repaint();
+    cairo_surface_flush(Panel->Bitmap()->Surface());
+  };
+  Paint();
+  for (auto _ : State)
+    Paint();
+  State.SetItemsProcessed(State.iterations() * State.range(0));
+}
+
+} // namespace
+
+BENCHMARK(BM_PaintBars)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();

@@ -1,0 +1,12 @@
+#pragma once
+// The bar family: everything of the bars folder, and the start-up of its module.
+
+#include "kxcharts/charts/bars/KXBarChart.h"
+
+namespace kx {
+
+// Registers the chart classes of this module, in their fixed order, once. StartChartModules
+// runs it; call that rather than this.
+void StartBarChartsModule();
+
+} // namespace kx
