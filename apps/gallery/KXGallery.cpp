@@ -87,6 +87,10 @@ void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesyste
           << "\"></a><figcaption>" << Escaped(Sheet.Caption) << " (<a href=\"" << Name
           << ".png\">PNG</a>, <a href=\"" << Name << ".svg\">SVG</a>)</figcaption></figure>\n";
   }
+  if (std::filesystem::exists(Folder / DemoScreenshot))
+    Index << "<figure><img src=\"" << DemoScreenshot << "\" alt=\"The interactive demo\">"
+          << "<figcaption>The interactive demo in a real window under Xvfb (./kx demo "
+             "--screenshot)</figcaption></figure>\n";
   Index << "</body></html>\n";
   Index.close();
   if (!Index) throw Exception("Cannot write the file \"" + IndexPath.string() + "\"");

@@ -12,6 +12,8 @@
 
 namespace kx::gallery {
 
+inline constexpr const char* DemoScreenshot = "demo.png";
+
 struct TGallerySheet {
   std::string FileName; // without extension
   std::string Caption;
@@ -21,7 +23,8 @@ struct TGallerySheet {
 };
 
 // Writes every sheet as FileName.png and FileName.svg into Folder, and an index.html that
-// shows them with their captions. Raises an Exception naming the file that cannot be written.
+// shows them with their captions, and the screenshot of the interactive demo when Folder
+// holds one (DemoScreenshot, written by `./kx demo --screenshot`). Raises an Exception naming the file that cannot be written.
 void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder);
 
 // Paints Panel at its own size with its top left at that of Area, through the panel's own
@@ -40,5 +43,6 @@ void AddLegendSheets(std::vector<TGallerySheet>& Sheets);
 void AddLineSheets(std::vector<TGallerySheet>& Sheets);
 void AddAxisSheets(std::vector<TGallerySheet>& Sheets);
 void AddPanelSheets(std::vector<TGallerySheet>& Sheets);
+void AddInteractionSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddLineSheets(Sheets);
   kx::gallery::AddAxisSheets(Sheets);
   kx::gallery::AddPanelSheets(Sheets);
+  kx::gallery::AddInteractionSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {

@@ -666,8 +666,17 @@ void TKXChartAxis::Pan(double Amount) {
     D = FMinimum - FZoomMinimum;
   else if (FZoomMaximum + D > FMaximum)
     D = FMaximum - FZoomMaximum;
-  SetZoomMinimum(FZoomMinimum + D);
-  SetZoomMaximum(FZoomMaximum + D);
+  // Both ends from the range before the step, the leading end first: a step longer than
+  // the zoomed range would otherwise push the far end along as the near one crosses it,
+  // and the range would not keep its size.
+  const double Lo = FZoomMinimum + D, Hi = FZoomMaximum + D;
+  if (D > 0) {
+    SetZoomMaximum(Hi);
+    SetZoomMinimum(Lo);
+  } else {
+    SetZoomMinimum(Lo);
+    SetZoomMaximum(Hi);
+  }
   Changed();
 }
 

@@ -278,6 +278,8 @@ TRectF TKXCustomChartPanel::RectToAxesRect(const TRect& ARect, const TKXChartAxi
 void TKXCustomChartPanel::Paint() {
   inherited::Paint();
   Draw(Canvas(), ClientRect());
+  // A paint in the middle of a drag wipes the box, which the next move would erase.
+  if (FUserAction == uaxZoom || FUserAction == uaxSelect) DrawSelectionBox(FSelectionBox);
 }
 
 void TKXCustomChartPanel::Draw(TCanvas* Canvas, const TRect& ARect) {
@@ -590,6 +592,7 @@ void TKXChartPanel::DefineProperties(TFiler& Filer) {
                  &TKXChartPanel::SetUserProportional, TShiftState::FromBits(1));
   Filer.Property("UserSelect", this, &TKXChartPanel::UserSelect, &TKXChartPanel::SetUserSelect,
                  TShiftState::FromBits(12));
+  Filer.Property("WheelZoom", this, &TKXChartPanel::WheelZoom, &TKXChartPanel::SetWheelZoom, false);
 }
 
 } // namespace kx

@@ -122,6 +122,15 @@ protected:
   TChartUserActionExt FUserAction = uaxNone;
   // Whether a crosshair is on screen; a paint wipes it.
   bool FMouseTrackingOn = false;
+  // The rubber band while zooming or selecting; the last point while panning.
+  TRect FSelectionBox;
+  // Where the crosshair is (while FMouseTrackingOn).
+  TPoint FMouseTrackingPoint;
+  TNotifyEvent FOnPan;
+  TNotifyEvent FOnUnzoom;
+  TNotifyEvent FOnZoom;
+  // Whether the mouse wheel zooms; off, so that a stored form keeps its meaning.
+  bool FWheelZoom = false;
   TKXChartDrawEvent FOnDraw;
   TKXChartDrawingEvent FOnDrawing;
   TKXChartValueEvent FOnChartValueSelectionChange;
@@ -209,7 +218,16 @@ public:
   TShiftState UserProportional() const { return FUserProportional; }
   void SetUserProportional(TShiftState Value) { FUserProportional = Value; }
   TChartUserActionExt UserAction() const { return FUserAction; }
+  // Whether the wheel zooms both the bottom and the left axis around the mouse: a notch
+  // away from the user zooms in by a quarter, a notch towards the user zooms back out by
+  // as much. Off at the start.
+  bool WheelZoom() const { return FWheelZoom; }
+  void SetWheelZoom(bool Value) { FWheelZoom = Value; }
+  // The crosshair is on screen, at MouseTrackingPoint.
   bool MouseTrackingOn() const { return FMouseTrackingOn; }
+  TPoint MouseTrackingPoint() const { return FMouseTrackingPoint; }
+  // The rubber band being dragged (raw corners: the press, then the mouse).
+  const TRect& SelectionBox() const { return FSelectionBox; }
   // The crosshair's hint; nil in design mode.
   TKXHintWindow* HintWindow() const { return FHintWindow; }
   // The areas the paint under way paints (all twelve outside Draw with DrawPanelAreas).
@@ -248,6 +266,14 @@ public:
   void SetOnDrawingCharts(TKXChartDrawingEvent Value) { FOnDrawingCharts = std::move(Value); }
   const TKXChartDrawEvent& OnDrawCharts() const { return FOnDrawCharts; }
   void SetOnDrawCharts(TKXChartDrawEvent Value) { FOnDrawCharts = std::move(Value); }
+  // After the axes zoomed (ZoomPixelArea, Zoom by a rectangle, the wheel), unzoomed or
+  // panned.
+  const TNotifyEvent& OnZoom() const { return FOnZoom; }
+  void SetOnZoom(TNotifyEvent Value) { FOnZoom = std::move(Value); }
+  const TNotifyEvent& OnUnzoom() const { return FOnUnzoom; }
+  void SetOnUnzoom(TNotifyEvent Value) { FOnUnzoom = std::move(Value); }
+  const TNotifyEvent& OnPan() const { return FOnPan; }
+  void SetOnPan(TNotifyEvent Value) { FOnPan = std::move(Value); }
   KX_PANEL_ELEMENT_EVENTS(ChartShadow, FChartShadow)
   KX_PANEL_ELEMENT_EVENTS(Background, FBackground)
   KX_PANEL_ELEMENT_EVENTS(ChartBackground, FChartBackground)
@@ -312,6 +338,42 @@ public:
   // panel's colours recolour their values too.
   virtual void UpdateChartColorScheme();
 
+  // --- Zooming, panning and selecting from code ---
+  // UseBottomAxis picks the bottom axis (else the top one), UseLeftAxis the left axis (else
+  // the right one).
+
+  // ZoomPixelArea of the two axes, then OnZoom.
+  virtual void ZoomPixelArea(const TRect& ClientRect, bool UseBottomAxis, bool UseLeftAxis);
+  // Zoom to a rectangle in axis units on the two axes, then OnZoom.
+  virtual void Zoom(const TRectF& ChartRect, bool UseBottomAxis, bool UseLeftAxis);
+  // Zoom(CenterPoint.X, ZoomX) and Zoom(CenterPoint.Y, ZoomY) of the two axes; no OnZoom.
+  virtual void Zoom(const TPointF& CenterPoint, float ZoomX, float ZoomY, bool UseBottomAxis,
+                    bool UseLeftAxis);
+  // Unzoom of the two axes, then OnUnzoom.
+  void Unzoom(bool UseBottomAxis, bool UseLeftAxis);
+  // Pans the two axes by pixels, then OnPan.
+  virtual void Pan(int32_t MoveX, int32_t MoveY, bool UseBottomAxis, bool UseLeftAxis);
+  // Pans the two axes in axis units, then OnPan.
+  virtual void Pan(double MoveX, double MoveY, bool UseBottomAxis, bool UseLeftAxis);
+  // Select(SelectionRect, Action) of every visible chart in list order, with the listeners
+  // quiet until the end (which is guaranteed).
+  virtual void Select(const TRect& SelectionRect, TKXChartSelectionAction Action);
+
+  // --- The mouse ---
+  // The state machine over UserAction: a press picks zoom, pan or select by the shift state
+  // (UserProportional taken out), moves drag the box or pan, the release zooms, unzooms or
+  // selects. The crosshair and the hint follow the mouse over the plot rectangle. The box
+  // and the crosshair are drawn by inversion straight onto the canvas, outside Paint.
+
+  void MouseDown(TMouseButton Button, TShiftState Shift, int32_t X, int32_t Y) override;
+  void MouseMove(TShiftState Shift, int32_t X, int32_t Y) override;
+  void MouseUp(TMouseButton Button, TShiftState Shift, int32_t X, int32_t Y) override;
+  // Erases the crosshair and hides the hint.
+  void CMMouseLeave() override;
+  // With WheelZoom, over the plot rectangle and while no drag is under way: zooms. Answers
+  // whether it did.
+  bool MouseWheel(TShiftState Shift, int32_t WheelDelta, int32_t X, int32_t Y) override;
+
   // --- The change road ---
   // Public so that charts, axes and elements can tell the panel.
 
@@ -341,6 +403,13 @@ public:
   void BeforeDestruction() override;
 
 protected:
+  // Paints the crosshair at Pt across ChartRect, in XOR with 0xA9A9A9 and a one-pixel pen,
+  // so that the same call erases it. The canvas's pen is put back, also when an exception
+  // passes.
+  virtual void DrawMouseTracking(const TPoint& Pt);
+  // Inverts the frame of ARect on the canvas (DrawFocusRect): the same call erases it.
+  void DrawSelectionBox(const TRect& ARect);
+
   // Decides whether a paint goes ahead: true when ARect has a width and a height above 0,
   // which OnDrawing may change.
   virtual bool Drawing(TCanvas* Canvas, const TRect& ARect);
@@ -382,6 +451,16 @@ private:
   // Paints the gradient on Whole through FGradientBuffer, painting the buffer first when
   // there is none of Whole's size.
   void DrawGradient(TCanvas* Canvas, const TRect& Whole);
+  // The box's bottom-right corner for the mouse at (X, Y): proportional to ChartRect while
+  // Shift holds UserProportional.
+  TPoint SelectionCorner(TShiftState Shift, int32_t X, int32_t Y) const;
+  // Whether Shift and UserSelect agree on the keys, UserProportional left aside.
+  bool SelectKeysHeld(TShiftState Shift) const;
+  // Erases the crosshair and moves it to (X, Y); shows the hint there, or hides it outside
+  // the plot rectangle.
+  void TrackMouse(int32_t X, int32_t Y);
+  // Zooms Axis by Factor around the value under Pixel.
+  static void ZoomAround(TKXChartAxis* Axis, int32_t Pixel, double Factor);
 };
 
 #undef KX_PANEL_ELEMENT_EVENTS
@@ -397,7 +476,8 @@ protected:
   // After the panel's own: ChartColorScheme, ChartShadow, Background, ChartBackground,
   // Foreground, BottomAxis, TopAxis, LeftAxis, RightAxis, Gradient, Footer, Header, Legend,
   // Margins (only when they differ from 3, 4, 3, 4), SelectionColor (always, as it starts
-  // off its default), UserActions, UserZoom, UserPan, UserProportional, UserSelect.
+  // off its default), UserActions, UserZoom, UserPan, UserProportional, UserSelect,
+  // WheelZoom.
   void DefineProperties(TFiler& Filer) override;
 };
 

@@ -329,6 +329,13 @@ TEST(ChartAxisPan, KeepsTheSizeAndStopsAtTheEnd) {
   A->Pan(10.0);
   EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 30);
   EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 50);
+  // Steps longer than the zoomed range, short of the ends, either way.
+  A->Pan(30.0);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 60);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 80);
+  A->Pan(-30.0);
+  EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 30);
+  EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 50);
   A->Pan(500.0);
   EXPECT_DOUBLE_EQ(A->ZoomMinimum(), 80);
   EXPECT_DOUBLE_EQ(A->ZoomMaximum(), 100);

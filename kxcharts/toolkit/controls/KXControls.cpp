@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <utility>
 
 #include "kxcharts/toolkit/graphics/KXGraphics.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
@@ -302,6 +303,10 @@ bool TControl::CMHitTest(int32_t X, int32_t Y) {
   return PtInRect(ClientRect(), TPoint{X, Y});
 }
 
+bool TControl::MouseWheel(TShiftState, int32_t, int32_t, int32_t) {
+  return false;
+}
+
 void TControl::CMVisibleChanged() {}
 
 void TControl::Resize() {
@@ -560,6 +565,27 @@ void TWinControl::Update() {
   PaintArea(Area);
 }
 
+void TWinControl::InvalidateScreen(const TRect& R) {
+  const TRect Part = Intersection(R, ClientRect());
+  if (Part.IsEmpty()) return;
+  for (const TRect& D : FScreenDamage)
+    if (Intersection(D, Part) == Part) return;
+  // Past a handful the host gains nothing from the detail: one rectangle holds them all.
+  constexpr size_t MaxRects = 16;
+  if (FScreenDamage.size() >= MaxRects) {
+    TRect All = Part;
+    for (const TRect& D : FScreenDamage)
+      All = Union(All, D);
+    FScreenDamage.assign(1, All);
+    return;
+  }
+  FScreenDamage.push_back(Part);
+}
+
+std::vector<TRect> TWinControl::TakeScreenDamage() {
+  return std::exchange(FScreenDamage, {});
+}
+
 void TWinControl::Repaint() {
   Invalidate();
   Update();
@@ -567,9 +593,10 @@ void TWinControl::Repaint() {
 
 void TWinControl::PaintArea(const TRect& Area) {
   FPainting = true;
-  TScopeExit Done{[this] {
+  TScopeExit Done{[this, &Area] {
     FPainting = false;
     MarkDirty(FCanvas->Surface());
+    InvalidateScreen(Area);
   }};
   {
     TCanvasClip Clip(FCanvas.get(), Area);

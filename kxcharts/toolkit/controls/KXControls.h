@@ -280,6 +280,10 @@ public:
   // inside ClientRect; a control that answers false passes the mouse to what lies beneath
   // it, in the end to its parent.
   virtual bool CMHitTest(int32_t X, int32_t Y);
+  // The wheel turned by WheelDelta (120 a notch, above 0 away from the user) with the mouse
+  // at (X, Y). Answers whether the control used the turn; a host offers an unused one to
+  // the parent. The base uses none.
+  virtual bool MouseWheel(TShiftState Shift, int32_t WheelDelta, int32_t X, int32_t Y);
   // Runs after Visible changed and the parent has been told. The base does nothing.
   virtual void CMVisibleChanged();
   // Runs after the size changed. Raises OnResize.
@@ -376,6 +380,9 @@ private:
   TOwned<TBitmap> FBitmap;
   TOwned<TCanvas> FCanvas;
   TRect FInvalidRect;
+  // What changed in the backing bitmap since a host last showed it: a few rectangles, so
+  // that two thin lines across a window do not become the whole window.
+  std::vector<TRect> FScreenDamage;
   bool FDoubleBuffered = false;
   int32_t FAlignDisabled = 0;
   // The windows being painted on the stack, so that a handler that repaints from inside
@@ -421,6 +428,13 @@ public:
   void InvalidateRect(const TRect& R);
   // Paints the area waiting for paint now, if any, and clears it.
   void Update();
+  // Tells a host that R (client coordinates) of the backing bitmap changed without a paint
+  // (drawing outside Paint: a rubber band, a crosshair), so that it shows R again without
+  // repainting anything. Painting reports its own area.
+  void InvalidateScreen(const TRect& R);
+  // The parts of the backing bitmap changed since the last call, and forgets them: what a
+  // host must show again.
+  std::vector<TRect> TakeScreenDamage();
   // Paints the window itself on Canvas. The base does nothing beyond the background fill
   // that comes before it. Overrides call the inherited one first.
   virtual void Paint() {}

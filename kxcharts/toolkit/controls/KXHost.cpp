@@ -89,19 +89,23 @@ int32_t PaintTree(TWinControl* W) {
   return Count;
 }
 
-// Composes W's bitmap and its visible child windows onto Target at (X, Y).
-void Compose(TWinControl* W, TCanvas* Target, int32_t X, int32_t Y) {
-  if (cairo_surface_t* S = W->Bitmap()->Surface()) cairo_surface_mark_dirty(S);
-  if (!W->Bitmap()->Empty()) Target->Draw(X, Y, W->Bitmap());
+} // namespace
+
+void TKXHost::Compose(TWinControl* W, cairo_t* Cr, int32_t X, int32_t Y) {
+  cairo_save(Cr);
+  cairo_rectangle(Cr, X, Y, W->Width(), W->Height());
+  cairo_clip(Cr);
+  if (cairo_surface_t* S = W->Bitmap()->Surface(); S && !W->Bitmap()->Empty()) {
+    cairo_surface_mark_dirty(S);
+    cairo_set_source_surface(Cr, S, X, Y);
+    cairo_paint(Cr);
+  }
   for (int32_t I = 0; I < W->ControlCount(); ++I) {
     auto* C = dynamic_cast<TWinControl*>(W->Controls(I));
-    if (!C || !C->Visible()) continue;
-    TCanvasClip Clip(Target, {X, Y, X + W->Width(), Y + W->Height()});
-    Compose(C, Target, X + C->Left(), Y + C->Top());
+    if (C && C->Visible()) Compose(C, Cr, X + C->Left(), Y + C->Top());
   }
+  cairo_restore(Cr);
 }
-
-} // namespace
 
 int32_t TKXHost::ProcessPaints() {
   int32_t Count = 0;
@@ -117,7 +121,8 @@ TOwned<TBitmap> TKXHost::Capture(TControl* Control) const {
   if (!Control) return Out;
   Out->SetSize(Control->Width(), Control->Height());
   if (auto* W = dynamic_cast<TWinControl*>(Control)) {
-    Compose(W, Out->Canvas(), 0, 0);
+    Compose(W, Out->Canvas()->Handle(), 0, 0);
+    cairo_surface_mark_dirty(Out->Canvas()->Surface());
   } else if (TWinControl* P = Control->Parent()) {
     TOwned<TBitmap> Whole = Capture(P);
     if (!Whole->Empty()) Out->Canvas()->Draw(-Control->Left(), -Control->Top(), Whole.get());
@@ -205,19 +210,22 @@ void TKXHost::MouseUp(TPoint Point, TMouseButton Button, TShiftState Keys) {
   FButtons -= ButtonBit(Button);
   TControl* Target = FCaptureControl ? FCaptureControl : ControlAt(Point);
   const bool LastButton = FButtons.Bits() == 0;
-  if (Target) {
-    const TPoint Local = Target->ScreenToClient(Point);
-    const bool Clicked =
-        Button == mbLeft && Target == FPressControl && PtInRect(Target->ClientRect(), Local);
-    if (Button == mbLeft) SetSlot(FPressControl, nullptr);
-    // The release and the click go to the control while it is still captured.
-    Target->MouseUp(Button, ShiftOf(Keys), Local.X, Local.Y);
-    if (Clicked && Refers(Target)) Target->Click();
+  {
+    // The capture ends with the last button, also when a handler of the release raises.
+    TFinally Release([this, LastButton] {
+      if (LastButton) SetSlot(FCaptureControl, nullptr);
+    });
+    if (Target) {
+      const TPoint Local = Target->ScreenToClient(Point);
+      const bool Clicked =
+          Button == mbLeft && Target == FPressControl && PtInRect(Target->ClientRect(), Local);
+      if (Button == mbLeft) SetSlot(FPressControl, nullptr);
+      // The release and the click go to the control while it is still captured.
+      Target->MouseUp(Button, ShiftOf(Keys), Local.X, Local.Y);
+      if (Clicked && Refers(Target)) Target->Click();
+    }
   }
-  if (LastButton) {
-    SetSlot(FCaptureControl, nullptr);
-    UpdateHover();
-  }
+  if (LastButton) UpdateHover();
 }
 
 void TKXHost::Click(TPoint Point, TMouseButton Button, TShiftState Keys) {
@@ -235,6 +243,17 @@ void TKXHost::Drag(TPoint From, TPoint To, TShiftState Keys, TMouseButton Button
               Keys);
   }
   MouseUp(To, Button, Keys);
+}
+
+bool TKXHost::MouseWheel(TPoint Point, int32_t Delta, TShiftState Keys) {
+  FMousePos = Point;
+  if (!FCaptureControl) UpdateHover();
+  TControl* Target = FCaptureControl ? FCaptureControl : FMouseControl;
+  for (TControl* C = Target; C; C = C->Parent()) {
+    const TPoint Local = C->ScreenToClient(Point);
+    if (C->MouseWheel(ShiftOf(Keys), Delta, Local.X, Local.Y)) return true;
+  }
+  return false;
 }
 
 void TKXHost::MouseExit() {

@@ -13,6 +13,8 @@
 // when it was captured) and the new one CMMouseEnter. Shift states hold the keys given
 // plus the buttons down. A left press and release on the same control is also a Click.
 
+#include <cairo.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <vector>
@@ -57,6 +59,9 @@ public:
   // (a graphic control without a parent is painted alone). Nothing is painted for it:
   // call ProcessPaints first for a fresh picture.
   TOwned<TBitmap> Capture(TControl* Control) const;
+  // Composes what the screen shows of Window (its backing bitmap and its visible child
+  // windows) onto Cr with its top left at (X, Y). A real window host draws its windows so.
+  static void Compose(TWinControl* Window, cairo_t* Cr, int32_t X, int32_t Y);
   // Capture(Control) as a PNG file. Raises EInvalidGraphic naming the file when it cannot
   // be written.
   void SaveToFile(TControl* Control, const std::filesystem::path& FileName) const;
@@ -72,6 +77,10 @@ public:
   // A press at From, Steps moves on the straight line to To, and the release there.
   void Drag(TPoint From, TPoint To, TShiftState Keys = {}, TMouseButton Button = mbLeft,
             int32_t Steps = 4);
+  // The wheel turned by Delta (120 a notch) at Point: the control under the mouse (or the
+  // capture) is offered the turn first, then each parent in turn until one uses it.
+  // Answers whether one did.
+  bool MouseWheel(TPoint Point, int32_t Delta, TShiftState Keys = {});
   // The mouse left the host's screen: the control under it hears CMMouseLeave.
   void MouseExit();
 

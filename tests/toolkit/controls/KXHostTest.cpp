@@ -46,6 +46,11 @@ public:
   void CMMouseEnter() override { Note("enter"); }
   void CMMouseLeave() override { Note("leave"); }
   bool CMHitTest(int32_t X, int32_t Y) override { return TakesMouse && Base::CMHitTest(X, Y); }
+  bool UsesWheel = false;
+  bool MouseWheel(TShiftState S, int32_t Delta, int32_t X, int32_t Y) override {
+    Note("wheel " + std::to_string(Delta) + " " + ShiftText(S) + " " + At(X, Y));
+    return UsesWheel;
+  }
 
 private:
   void Note(const std::string& What) { Log.push_back(this->Name() + " " + What); }
@@ -185,6 +190,32 @@ TEST_F(Host, MovingOffAControlSendsLeaveThenEnterAndExitSendsLeave) {
                                      "Panel enter", "Panel move [ssShift] 1,1", "Panel leave"}));
 }
 
+TEST_F(Host, TheWheelIsOfferedToTheControlUnderTheMouseThenToItsParents) {
+  EXPECT_FALSE(Win->MouseWheel(On(Box, 3, 4), 120, {ssCtrl}));
+  EXPECT_EQ(Log, (std::vector<std::string>{"Box enter", "Box wheel 120 [ssCtrl] 3,4",
+                                           "Panel wheel 120 [ssCtrl] 23,34"}));
+  Log.clear();
+  Box->UsesWheel = true;
+  EXPECT_TRUE(Win->MouseWheel(On(Box, 3, 4), -240));
+  EXPECT_EQ(Log, (std::vector<std::string>{"Box wheel -240 [] 3,4"}));
+  // While captured, the turn goes to the capture wherever the mouse is.
+  Log.clear();
+  Win->MouseDown(On(Box, 1, 1), mbLeft);
+  Win->MouseWheel(On(Side, 1, 1), 120);
+  EXPECT_EQ(Log.back(), "Box wheel 120 [ssLeft] 221,-29");
+}
+
+TEST_F(Host, AReleaseWhoseHandlerRaisesStillEndsTheCapture) {
+  Panel->SetOnMouseUp([](TObject*, TMouseButton, TShiftState, int32_t, int32_t) {
+    throw EInvalidOperation("up");
+  });
+  Win->MouseDown(On(Panel, 1, 1), mbLeft);
+  EXPECT_THROW(Win->MouseUp(On(Panel, 1, 1), mbLeft), EInvalidOperation);
+  EXPECT_EQ(Win->CaptureControl(), nullptr);
+  Win->MouseMove(On(Side, 1, 1));
+  EXPECT_EQ(Win->MouseControl(), Side);
+}
+
 TEST_F(Host, ADoubleClickCarriesSsDouble) {
   Win->MouseDown(On(Panel, 4, 4), mbLeft, {}, true);
   EXPECT_EQ(Log.back(), "Panel down mbLeft [ssLeft,ssDouble] 4,4");
@@ -257,6 +288,25 @@ TEST_F(Host, CaptureComposesChildWindowsAndShowsDrawingDoneOutsidePaint) {
   Panel->Canvas()->MoveTo(100, 0);
   Panel->Canvas()->LineTo(100, 150);
   EXPECT_EQ(Win->Capture(Form.get())->Canvas()->Pixel(110, 120), ColorToRGB(clYellow) ^ 0xFFFFFF);
+  // Painting tells a host which part of the window to show again; drawing outside Paint
+  // tells it only when reported.
+  Panel->TakeScreenDamage();
+  Panel->Invalidate();
+  Win->ProcessPaints();
+  Panel->InvalidateScreen({5, 5, 10, 10});
+  EXPECT_EQ(Panel->TakeScreenDamage(), (std::vector<TRect>{Panel->ClientRect()}))
+      << "a part already to be shown adds nothing";
+  EXPECT_TRUE(Panel->TakeScreenDamage().empty());
+  for (int I = 0; I < 40; ++I)
+    Panel->InvalidateScreen({I, 0, I + 1, 500});
+  const std::vector<TRect> Many = Panel->TakeScreenDamage();
+  EXPECT_LE(Many.size(), 16u) << "many rectangles are gathered into few";
+  TRect All = Many.front();
+  for (const TRect& D : Many) {
+    EXPECT_EQ(D.Bottom, 150) << "clipped to the window";
+    All = {std::min(All.Left, D.Left), 0, std::max(All.Right, D.Right), 150};
+  }
+  EXPECT_EQ(All, (TRect{0, 0, 40, 150}));
   // A graphic control's picture is the part of its parent's under it.
   TOwned<TBitmap> Part = Win->Capture(Box);
   EXPECT_EQ(Part->Width(), 40);
