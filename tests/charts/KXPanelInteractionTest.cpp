@@ -409,10 +409,12 @@ TEST_F(PanelMouse, TheCrosshairIsXoredAcrossThePlotAndPutBackExactly) {
   // Every pixel of the row and the column inside the plot is the clean one XOR 0xA9A9A9,
   // but for the crossing, XORed twice; nothing outside the plot changed.
   for (int32_t X = R.Left; X < R.Right; ++X) {
-    if (X != P.X) ASSERT_EQ(C->Pixel(X, P.Y), TColor(CleanPixel(X, P.Y) ^ 0xA9A9A9)) << X;
+    if (X == P.X) continue;
+    ASSERT_EQ(C->Pixel(X, P.Y), TColor(CleanPixel(X, P.Y) ^ 0xA9A9A9)) << X;
   }
   for (int32_t Y = R.Top; Y < R.Bottom; ++Y) {
-    if (Y != P.Y) ASSERT_EQ(C->Pixel(P.X, Y), TColor(CleanPixel(P.X, Y) ^ 0xA9A9A9)) << Y;
+    if (Y == P.Y) continue;
+    ASSERT_EQ(C->Pixel(P.X, Y), TColor(CleanPixel(P.X, Y) ^ 0xA9A9A9)) << Y;
   }
   EXPECT_EQ(C->Pixel(P.X, P.Y), CleanPixel(P.X, P.Y));
   EXPECT_EQ(C->Pixel(R.Right, P.Y), CleanPixel(R.Right, P.Y));
