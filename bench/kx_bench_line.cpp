@@ -1,7 +1,8 @@
 // What a full paint of a line chart costs: a TKXLineChart in a default 1600 x 900 panel
 // (its ChartShadow hidden, Options without value colours and labels), over N sorted values
 // of a random walk, the whole panel painted (frame, gradient, axes with their labels and
-// grid, the line). Compare with BM_PolylineCairoFloor (kx_bench_canvas), which strokes a
+// grid, the line); and what the mouse costs over such a panel (a crosshair move, a pan step
+// with its repaint). Compare with BM_PolylineCairoFloor (kx_bench_canvas), which strokes a
 // walk of as many points straight through Cairo.
 #include <benchmark/benchmark.h>
 
@@ -11,6 +12,7 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/toolkit/controls/KXControls.h"
 #include "kxcharts/toolkit/graphics/KXBitmap.h"
 
 namespace {
@@ -109,8 +111,52 @@ void BM_AppendLive(benchmark::State& State) {
   State.SetItemsProcessed(State.iterations());
 }
 
+// The mouse over the plot: one move of the crosshair (the XOR lines erased and drawn again,
+// and the hint with the axis values moved), between two points, over a painted panel. The
+// panel must not need a paint afterwards: only the inverted lines change.
+void BM_CrosshairMove(benchmark::State& State) {
+  TLineBench Bench(State.range(0), PlainOptions);
+  Bench.Paint();
+  const TRect R = Bench.Panel->ChartRect();
+  const int32_t Y = (R.Top + R.Bottom) / 2;
+  int32_t X = R.Left + R.Width() / 3;
+  for (auto _ : State) {
+    X = X == R.Left + R.Width() / 3 ? R.Left + 2 * R.Width() / 3 : R.Left + R.Width() / 3;
+    Bench.Panel->MouseMove({}, X, Y);
+  }
+  if (Bench.Panel->NeedsPaint() || !Bench.Panel->MouseTrackingOn())
+    State.SkipWithError("a crosshair move asked for a paint");
+}
+
+// One step of an Alt-drag pan over the chart zoomed 10x along X (about the middle), and the
+// repaint it asks for: BM_PaintLine's settings, coZoomPen off as in BM_PaintLineZoomed. The
+// steps go 20 pixels back and forth, so the view stays inside the range.
+void BM_PanRepaint(benchmark::State& State) {
+  TLineBench Bench(State.range(0), PlainOptions - coZoomPen);
+  Bench.Paint();
+  TKXChartAxis* X = Bench.Chart->HorizontalAxis();
+  const double Mid = State.range(0) / 2.0, Half = State.range(0) * 0.05;
+  X->SetZoomMinimum(Mid - Half);
+  X->SetZoomMaximum(Mid + Half);
+  Bench.Paint();
+  const TRect R = Bench.Panel->ChartRect();
+  const int32_t Y = (R.Top + R.Bottom) / 2, X0 = (R.Left + R.Right) / 2;
+  Bench.Panel->MouseDown(mbLeft, {ssAlt, ssLeft}, X0, Y);
+  if (Bench.Panel->UserAction() != uaxPan) State.SkipWithError("the drag did not start a pan");
+  bool Right = false;
+  for (auto _ : State) {
+    Right = !Right;
+    Bench.Panel->MouseMove({ssAlt, ssLeft}, Right ? X0 + 20 : X0, Y);
+    Bench.Paint();
+  }
+  Bench.Panel->MouseUp(mbLeft, {ssAlt}, X0, Y);
+  State.SetItemsProcessed(State.iterations() * State.range(0) / 10);
+}
+
 } // namespace
 
+BENCHMARK(BM_CrosshairMove)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_PanRepaint)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLine)
     ->Arg(10000)
     ->Arg(100000)

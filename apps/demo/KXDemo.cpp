@@ -1,0 +1,143 @@
+#include "demo/KXDemo.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <random>
+
+#include "kxcharts/charts/KXCharts.h"
+#include "kxcharts/charts/bars/KXBarCharts.h"
+
+namespace kx::demo {
+
+namespace {
+
+constexpr int32_t HelpHeight = 26;
+
+const char* const HelpText =
+    "Left drag: zoom into the box (Shift keeps the plot's shape)   |   Drag right to left: "
+    "unzoom   |   Alt + drag: pan a zoomed chart   |   Ctrl + drag on the bars: select   |   "
+    "Wheel on the million values: zoom";
+
+// A chart without per-value colours and labels: one line, one colour.
+template <class T> T* PlainChart(TDemo& Demo, TKXChartPanel* Panel) {
+  auto* Chart = New<T>(Demo.Form.get());
+  Chart->SetOptions(Chart->Options() - coValueColors - coValueLabels);
+  Chart->SetPanel(Panel);
+  return Chart;
+}
+
+void BuildLineAndArea(TDemo& Demo, TKXChartPanel* Panel) {
+  auto* Area = PlainChart<TKXAreaChart>(Demo, Panel);
+  auto* Line = PlainChart<TKXLineChart>(Demo, Panel);
+  Area->SetCaption("Capacity");
+  Line->SetCaption("Demand");
+  Line->Pen()->SetWidth(2);
+  for (int I = 0; I <= 48; ++I) {
+    Area->Values()->Add(I, 60 + 15 * std::sin(I * 0.13));
+    Line->Values()->Add(I, 50 + 25 * std::sin(I * 0.31 + 1) + 6 * std::cos(I * 1.1));
+  }
+}
+
+void BuildBars(TDemo& Demo, TKXChartPanel* Panel) {
+  static const char* const Months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  auto* Bars = New<TKXBarChart>(Demo.Form.get());
+  Bars->SetCaption("Orders");
+  for (int I = 0; I < 12; ++I)
+    Bars->Values()->Add(40 + 30 * std::sin(I * 0.7) + 5 * I, Months[I]);
+  Bars->SetPanel(Panel);
+  Panel->SetUserActions(Panel->UserActions() + uaSelect);
+  Panel->Legend()->SetVisible(false);
+}
+
+// A signal that arrives while the demo runs: the host's timer appends a value every 40 ms,
+// and the collection keeps the last 400.
+void BuildLive(TDemo& Demo, TKXChartPanel* Panel) {
+  auto* Line = PlainChart<TKXLineChart>(Demo, Panel);
+  Line->SetCaption("Signal");
+  Line->Values()->SetLimit(400);
+  Panel->Legend()->SetVisible(false);
+  auto State = std::make_shared<std::pair<double, double>>(0.0, 0.0); // X, phase
+  const auto Next = [Line, State] {
+    auto& [X, Phase] = *State;
+    Phase += 0.07;
+    Line->Values()->Add(X++, std::sin(Phase) * 40 + std::sin(Phase * 5.3) * 8 + 50);
+  };
+  for (int I = 0; I < 400; ++I)
+    Next();
+  Demo.Timers.push_back({40, [Next] {
+                           Next();
+                           return true;
+                         }});
+}
+
+// A million values of a random walk; the wheel zooms here.
+void BuildMillion(TDemo& Demo, TKXChartPanel* Panel) {
+  auto* Line = PlainChart<TKXLineChart>(Demo, Panel);
+  Line->SetOptions(Line->Options() - coZoomPen);
+  Line->SetCaption("Walk");
+  {
+    TUpdateScope<TKXChartValues> Scope(Line->TKXCustomChart::Values());
+    std::mt19937 Random(7);
+    std::normal_distribution<double> Step(0.0, 1.0);
+    double Y = 0;
+    for (int32_t I = 0; I < 1000000; ++I)
+      Line->Values()->Add(I, Y += Step(Random));
+  }
+  Panel->SetWheelZoom(true);
+  Panel->Legend()->SetVisible(false);
+}
+
+// Lays the panels out in a grid above the help line.
+void Arrange(const TForm* Form, const std::vector<TKXChartPanel*>& Panels, const TPanel* Help) {
+  const int32_t N = static_cast<int32_t>(Panels.size());
+  if (N == 0) return;
+  const int32_t Columns = static_cast<int32_t>(std::ceil(std::sqrt(double(N))));
+  const int32_t Rows = (N + Columns - 1) / Columns;
+  const int32_t W = Form->Width(), H = std::max(0, Form->Height() - Help->Height());
+  for (int32_t I = 0; I < N; ++I) {
+    const int32_t C = I % Columns, R = I / Columns;
+    const int32_t L = W * C / Columns, T = H * R / Rows;
+    Panels[I]->SetBounds(L, T, W * (C + 1) / Columns - L, H * (R + 1) / Rows - T);
+  }
+}
+
+} // namespace
+
+const std::vector<TDemoPanel>& DemoPanels() {
+  static const std::vector<TDemoPanel> Panels = {
+      {"Line and area", BuildLineAndArea},
+      {"Bars (Ctrl + drag selects)", BuildBars},
+      {"A live signal (Limit 400, a value every 40 ms)", BuildLive},
+      {"One million values (the wheel zooms)", BuildMillion},
+  };
+  return Panels;
+}
+
+TDemo MakeDemo(int32_t Width, int32_t Height) {
+  TDemo Demo;
+  Demo.Form.reset(New<TForm>(nullptr));
+  Demo.Form->SetBounds(40, 40, Width, Height);
+  auto* Help = New<TPanel>(Demo.Form.get());
+  Help->SetParent(Demo.Form.get());
+  Help->SetHeight(HelpHeight);
+  Help->SetAlign(alBottom);
+  Help->SetCaption(HelpText);
+  for (const TDemoPanel& P : DemoPanels()) {
+    auto* Panel = New<TKXChartPanel>(Demo.Form.get());
+    Panel->SetParent(Demo.Form.get());
+    Panel->Header()->SetText(P.Title);
+    Panel->Footer()->SetVisible(false);
+    Panel->ChartShadow()->SetVisible(false);
+    P.Build(Demo, Panel);
+    Demo.Panels.push_back(Panel);
+  }
+  Arrange(Demo.Form.get(), Demo.Panels, Help);
+  Demo.Form->SetOnResize([Form = Demo.Form.get(), Panels = Demo.Panels, Help](TObject*) {
+    Arrange(Form, Panels, Help);
+  });
+  return Demo;
+}
+
+} // namespace kx::demo
