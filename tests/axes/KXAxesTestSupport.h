@@ -1,14 +1,10 @@
 #pragma once
 // What the axis tests share: the odd numbers they feed in, and an axis on a fixed range.
 
-#include <limits>
-
 #include "kxcharts/axes/KXChartAxis.h"
+#include "support/KXTestSupport.h"
 
 namespace kx::test {
-
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Inf = std::numeric_limits<double>::infinity();
 
 // An axis without owner at Location over Min..Max (both ends fixed); TAxis may be a test
 // class that opens protected operations.

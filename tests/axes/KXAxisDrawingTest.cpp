@@ -8,12 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include "axes/KXAxesTestSupport.h"
+#include "core/KXCoreTestSupport.h"
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
-#include "axes/KXAxesTestSupport.h"
-#include "core/KXCoreTestSupport.h"
 #include "support/KXBitmapProbe.h"
 
 namespace kx {

@@ -7,14 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include "axes/KXAxesTestSupport.h"
+#include "core/KXCoreTestSupport.h"
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/graphics/KXBitmap.h"
 #include "kxcharts/toolkit/runtime/KXDateUtils.h"
 #include "kxcharts/toolkit/runtime/KXFormat.h"
-#include "axes/KXAxesTestSupport.h"
-#include "core/KXCoreTestSupport.h"
 
 namespace kx {
 namespace {

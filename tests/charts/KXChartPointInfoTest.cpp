@@ -8,6 +8,7 @@
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "support/KXBitmapProbe.h"
+#include "support/KXTestSupport.h"
 
 namespace kx {
 namespace {
@@ -93,15 +94,7 @@ TEST(ChartPointInfo, AssignCopiesSizeStylesAndAreaAndTheShapeAlsoItsLabelSetting
 
   auto Shape = MakeOwned<TKXDefaultShape>();
   Shape->Assign(Source.get());
-  EXPECT_EQ(Shape->Width(), 7);
-  EXPECT_EQ(Shape->Height(), 9);
-  EXPECT_EQ(Shape->Style(), shpImage);
-  EXPECT_EQ(Shape->DefaultStyle(), shpEllipse);
-  EXPECT_EQ(Shape->Alignment(), tdTopLeft);
-  EXPECT_EQ(Shape->Font()->Size(), 21);
-  EXPECT_EQ(Shape->Brush()->Color(), clOlive);
-  EXPECT_EQ(Shape->Pen()->Color(), clPurple);
-  EXPECT_FLOAT_EQ(Shape->Opacity(), 0.25f);
+  EXPECT_EQ(test::Stored(Shape.get()), test::Stored(Source.get()));
 
   // A plain point takes what a point has; a shape from a plain point keeps its label.
   auto Point = MakeOwned<TKXChartPointInfo>();
@@ -170,49 +163,23 @@ TEST(ChartPointInfo, ThePictureOfTheImageListStandsInForTheShape) {
 
 // --- Stored properties ---
 
-class TPointsForm : public TComponent {
-  KX_CLASS(TPointsForm, TComponent)
-public:
-  using TComponent::TComponent;
-  TKXChartPointInfo* Point() const { return FPoint.get(); }
-  TKXDefaultShape* Shape() const { return FShape.get(); }
-
-protected:
-  void DefineProperties(TFiler& Filer) override {
-    inherited::DefineProperties(Filer);
-    Filer.Property("Point", this, &TPointsForm::Point);
-    Filer.Property("Shape", this, &TPointsForm::Shape);
-  }
-
-private:
-  TOwned<TKXChartPointInfo> FPoint = MakeOwned<TKXChartPointInfo>();
-  TOwned<TKXDefaultShape> FShape = MakeOwned<TKXDefaultShape>();
-};
-
 TEST(ChartPointInfoStreaming, EverySettingComesBackAndASizeOfZeroStaysZero) {
-  RegisterClasses({ClassOf<TPointsForm>()});
-  auto Form = MakeOwned<TPointsForm>(nullptr);
+  auto Form = MakeOwned<test::TPartsForm>(nullptr);
   Form->SetName("Form1");
-  Form->Point()->SetWidth(0);
-  Form->Point()->SetHeight(14);
-  Form->Point()->SetStyle(shpDiamond);
-  Form->Point()->Pen()->SetColor(clRed);
-  Form->Shape()->SetDefaultStyle(shpHexagon);
-  Form->Shape()->SetAlignment(tdBottomCenter);
-  Form->Shape()->Font()->SetColor(clTeal);
-  const std::string Json = SaveFormToString(Form.get());
-
-  auto Copy = MakeOwned<TPointsForm>(nullptr);
-  LoadFormFromString(Copy.get(), Json);
-  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
-  EXPECT_EQ(Copy->Point()->Width(), 0);
-  EXPECT_EQ(Copy->Point()->Height(), 14);
-  EXPECT_EQ(Copy->Point()->Style(), shpDiamond);
-  EXPECT_EQ(Copy->Point()->Pen()->Color(), clRed);
-  EXPECT_EQ(Copy->Shape()->DefaultStyle(), shpHexagon);
-  EXPECT_EQ(Copy->Shape()->Alignment(), tdBottomCenter);
-  EXPECT_EQ(Copy->Shape()->Font()->Color(), clTeal);
-  EXPECT_EQ(Copy->Shape()->Width(), 25);
+  auto* Point = Form->Add<TKXChartPointInfo>("Point");
+  auto* Shape = Form->Add<TKXDefaultShape>("Shape");
+  Point->SetWidth(0);
+  Point->SetHeight(14);
+  Point->SetStyle(shpDiamond);
+  Point->Pen()->SetColor(clRed);
+  Shape->SetDefaultStyle(shpHexagon);
+  Shape->SetAlignment(tdBottomCenter);
+  Shape->Font()->SetColor(clTeal);
+  std::string Json;
+  auto Copy = test::RoundTrip(Form.get(), &Json);
+  test::ExpectStored(Json, {"Width", "Height", "Style", "Color", "DefaultStyle", "Alignment"});
+  EXPECT_EQ(Copy->Part<TKXChartPointInfo>(0)->Width(), 0);
+  EXPECT_EQ(Copy->Part<TKXDefaultShape>(1)->Width(), 25);
 }
 
 } // namespace

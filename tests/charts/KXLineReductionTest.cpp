@@ -7,9 +7,9 @@
 #include <random>
 #include <string>
 
-#include "kxcharts/charts/KXLineReduction_p.h"
 #include "axes/KXAxesTestSupport.h"
 #include "charts/KXChartsTestSupport.h"
+#include "kxcharts/charts/KXLineReduction_p.h"
 
 namespace kx::test {
 namespace {
@@ -37,9 +37,10 @@ void PrintTo(const TReduceCase& C, std::ostream* Os) {
 // Without antialiasing both ways give the same pixels. With it, a reduced line of an even
 // pen fills its runs up and down pixel columns as boxes and strokes only the rest, so a
 // pixel may come out a little off (no channel by more than 2, on at most 1 % of the
-// painted pixels); odd pens are stroked whole and come out the same. Antialiased areas differ where the full drawing blends an edge pixel once
-// per polygon (each is filled on its own) and the reduced one fewer times: no channel of
-// any pixel by more than this, on no more than this share of the painted pixels.
+// painted pixels); odd pens are stroked whole and come out the same. Antialiased areas differ where
+// the full drawing blends an edge pixel once per polygon (each is filled on its own) and the
+// reduced one fewer times: no channel of any pixel by more than this, on no more than this share of
+// the painted pixels.
 constexpr int AntialiasChannelTolerance = 64;
 constexpr double AntialiasPixelShare = 0.03;
 

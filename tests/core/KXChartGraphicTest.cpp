@@ -10,6 +10,7 @@
 #include "kxcharts/toolkit/graphics/KXGraphics.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "support/KXBitmapProbe.h"
+#include "support/KXTestSupport.h"
 
 namespace kx {
 
@@ -439,60 +440,35 @@ TEST(ChartHeader, PictureFillsTheBand) {
   EXPECT_EQ(test::PaintedBounds(B.get()), (TRect{0, 76, 100, 100}));
 }
 
-// --- Assign ---
+// --- Assign and the stored form ---
 
-TEST(ChartGraphicAssign, ShadowCopiesSizeAndDirectionButNotStyle) {
+TEST(ChartGraphicAssign, ShadowAndHeaderCopyAllButStyleAndWhichBandAndAcrossKindsLittle) {
   auto A = MakeOwned<TKXChartShadow>();
   A->SetSize(7);
   A->SetDirection(sdTopLeft);
-  A->SetStyle(shpStar);
   A->SetVisible(false);
   A->SetOpacity(0.5f);
   A->Brush()->SetColor(clGray);
+  A->SetStyle(shpStar);
   auto B = MakeOwned<TKXChartShadow>();
   TChangeCounter C;
   C.Attach(B.get());
   B->Assign(A.get());
-  EXPECT_EQ(B->Size(), 7);
-  EXPECT_EQ(B->Direction(), sdTopLeft);
-  EXPECT_EQ(B->Style(), shpRectangle);
-  EXPECT_FALSE(B->Visible());
-  EXPECT_FLOAT_EQ(B->Opacity(), 0.5f);
-  EXPECT_EQ(B->Brush()->Color(), clGray);
+  EXPECT_EQ(test::Stored(B.get()), test::Stored(A.get()));
+  EXPECT_EQ(B->Style(), shpRectangle) << "the style is the owner's to set";
   EXPECT_EQ(C.Count, 1); // the brush reported its own change; Assign added none
-}
 
-TEST(ChartGraphicAssign, AcrossKindsOnlyVisibilityAndOpacityTravel) {
-  auto G = MakeOwned<TKXChartGradient>();
-  G->SetVisible(false);
-  G->SetOpacity(0.3f);
-  auto L = MakeOwned<TKXChartLabel>();
-  L->SetText("kept");
-  L->Assign(G.get());
-  EXPECT_FALSE(L->Visible());
-  EXPECT_FLOAT_EQ(L->Opacity(), 0.3f);
-  EXPECT_EQ(L->Text(), "kept");
-  auto F = MakeOwned<TFont>();
-  try {
-    L->Assign(F.get());
-    FAIL() << "a font is not a label";
-  } catch (const EConvertError& E) {
-    EXPECT_EQ(E.Message(), "Cannot assign a TFont to a TKXChartLabel");
-  }
-}
-
-TEST(ChartGraphicAssign, HeaderCopiesAllButWhichBandItIs) {
-  auto A = MakeOwned<TKXChartHeader>(nullptr, true);
-  A->SetText("Sales");
-  A->SetAngle(90);
-  A->SetAlignment(taRightJustify);
-  A->SetHeight(40);
-  A->SetWidth(77);
-  A->SetImageOptions({ioTile});
+  auto H = MakeOwned<TKXChartHeader>(nullptr, true);
+  H->SetText("Sales");
+  H->SetAngle(90);
+  H->SetAlignment(taRightJustify);
+  H->SetHeight(40);
+  H->SetWidth(77);
+  H->SetImageOptions({ioTile});
   auto Pic = test::MakeBitmap(3, 2, clRed);
-  A->Image()->SetGraphic(Pic.get());
+  H->Image()->SetGraphic(Pic.get());
   auto Footer = MakeOwned<TKXChartHeader>(nullptr, false);
-  Footer->Assign(A.get());
+  Footer->Assign(H.get());
   EXPECT_FALSE(Footer->IsHeader());
   EXPECT_EQ(Footer->Text(), "Sales");
   EXPECT_EQ(Footer->Angle(), 90);
@@ -503,90 +479,62 @@ TEST(ChartGraphicAssign, HeaderCopiesAllButWhichBandItIs) {
   EXPECT_EQ(Footer->Width(), 77);
   EXPECT_EQ(Footer->ImageOptions(), TImageOptions{ioTile});
   EXPECT_EQ(Footer->Image()->Width(), 3);
+
+  // Across kinds only visibility and opacity travel.
+  auto G = MakeOwned<TKXChartGradient>();
+  G->SetVisible(false);
+  G->SetOpacity(0.3f);
+  auto L = MakeOwned<TKXChartLabel>();
+  L->SetText("kept");
+  L->Assign(G.get());
+  EXPECT_FALSE(L->Visible());
+  EXPECT_FLOAT_EQ(L->Opacity(), 0.3f);
+  EXPECT_EQ(L->Text(), "kept");
+  auto F = MakeOwned<TFont>();
+  EXPECT_EQ(test::MessageOf<EConvertError>([&] { L->Assign(F.get()); }),
+            "Cannot assign a TFont to a TKXChartLabel");
 }
 
-// --- Stored properties ---
-
-class TElementsForm : public TComponent {
-  KX_CLASS(TElementsForm, TComponent)
-public:
-  using TComponent::TComponent;
-  TKXChartHeader* Header() const { return FHeader.get(); }
-  TKXChartShadow* Shadow() const { return FShadow.get(); }
-  TKXChartGradient* Gradient() const { return FGradient.get(); }
-  TKXChartLabel* Title() const { return FTitle.get(); }
-  TKXChartLabelMetaData* Labels() const { return FLabels.get(); }
-
-protected:
-  void DefineProperties(TFiler& Filer) override {
-    inherited::DefineProperties(Filer);
-    Filer.Property("Header", this, &TElementsForm::Header);
-    Filer.Property("Shadow", this, &TElementsForm::Shadow);
-    Filer.Property("Gradient", this, &TElementsForm::Gradient);
-    Filer.Property("Title", this, &TElementsForm::Title);
-    Filer.Property("Labels", this, &TElementsForm::Labels);
-  }
-
-private:
-  TOwned<TKXChartHeader> FHeader = MakeOwned<TKXChartHeader>(nullptr, true);
-  TOwned<TKXChartShadow> FShadow = MakeOwned<TKXChartShadow>();
-  TOwned<TKXChartGradient> FGradient = MakeOwned<TKXChartGradient>();
-  TOwned<TKXChartLabel> FTitle = MakeOwned<TKXChartLabel>();
-  TOwned<TKXChartLabelMetaData> FLabels = MakeOwned<TKXChartLabelMetaData>();
-};
-
-TEST(ChartGraphicStreaming, ElementsRoundTripWithPictureAndFonts) {
-  RegisterClasses({ClassOf<TElementsForm>()});
-  auto Form = MakeOwned<TElementsForm>(nullptr);
+TEST(ChartGraphicStreaming, ElementsRoundTripWithPictureAndFontsAndBadPicturesAreRefused) {
+  auto Form = MakeOwned<test::TPartsForm>(nullptr);
   Form->SetName("Form1");
-  Form->Header()->SetText("Quarterly");
-  Form->Header()->Font()->SetColor(clWindowText); // equal to a fresh font's: still stored
-  Form->Header()->Brush()->SetColor(clWhite);
-  Form->Header()->SetImageOptions({ioTile, ioTransparent});
+  auto* Header = Form->Add<TKXChartHeader>("Header", nullptr, true);
+  auto* Shadow = Form->Add<TKXChartShadow>("Shadow");
+  auto* Gradient = Form->Add<TKXChartGradient>("Gradient");
+  auto* Title = Form->Add<TKXChartLabel>("Title");
+  auto* Labels = Form->Add<TKXChartLabelMetaData>("Labels");
+  Header->SetText("Quarterly");
+  Header->Font()->SetColor(clWindowText); // equal to a fresh font's: still stored
+  Header->Brush()->SetColor(clWhite);
+  Header->SetImageOptions({ioTile, ioTransparent});
   auto Pic = test::MakeBitmap(3, 2, RGBToColor(10, 20, 30));
-  Form->Header()->Image()->SetGraphic(Pic.get());
-  Form->Shadow()->SetSize(6);
-  Form->Shadow()->SetDirection(sdTopRight);
-  Form->Gradient()->SetDirection(gdRadial);
-  Form->Gradient()->SetVisible(false);
-  Form->Title()->SetText("Volume");
-  Form->Title()->SetAngle(90);
-  Form->Labels()->SetAlignment(taLeftJustify);
-  Form->Labels()->SetOpacity(0.5f);
-  const std::string Json = SaveFormToString(Form.get());
+  Header->Image()->SetGraphic(Pic.get());
+  Shadow->SetSize(6);
+  Shadow->SetDirection(sdTopRight);
+  Gradient->SetDirection(gdRadial);
+  Gradient->SetVisible(false);
+  Title->SetText("Volume");
+  Title->SetAngle(90);
+  Labels->SetAlignment(taLeftJustify);
+  Labels->SetOpacity(0.5f);
+  std::string Json;
+  auto Copy = test::RoundTrip(Form.get(), &Json);
   EXPECT_EQ(Json.find("\"Coarseness\""), std::string::npos) << "defaults stay out";
+  test::ExpectStored(Json, {"Text", "Color", "ImageOptions", "Data", "Size", "Direction", "Visible",
+                            "Angle", "Alignment", "Opacity"});
+  auto* H = Copy->Part<TKXChartHeader>(0);
+  EXPECT_EQ(H->Image()->Bitmap()->Canvas()->Pixel(2, 1), RGBToColor(10, 20, 30));
+  EXPECT_TRUE(H->Image()->Graphic()->Transparent());
+  EXPECT_EQ(Copy->Part<TKXChartLabel>(3)->Font()->Orientation(), 90);
 
-  auto Copy = MakeOwned<TElementsForm>(nullptr);
-  LoadFormFromString(Copy.get(), Json);
-  // Writing the copy again gives the same text: every stored property came back.
-  EXPECT_EQ(SaveFormToString(Copy.get()), Json);
-  // Values equal to a fresh pen's or font's, but not to the owner's start, are kept.
-  EXPECT_EQ(Copy->Header()->Font()->Color(), clWindowText);
-  EXPECT_EQ(Copy->Header()->Brush()->Color(), clWhite);
-  EXPECT_EQ(Copy->Header()->Brush()->Style(), bsSolid);
-  ASSERT_NE(Copy->Header()->Image()->Graphic(), nullptr);
-  EXPECT_EQ(Copy->Header()->Image()->Bitmap()->Canvas()->Pixel(2, 1), RGBToColor(10, 20, 30));
-  EXPECT_TRUE(Copy->Header()->Image()->Graphic()->Transparent());
-  EXPECT_EQ(Copy->Title()->Font()->Orientation(), 90);
-}
-
-TEST(ChartGraphicStreaming, BadPictureDataIsRefusedByName) {
-  RegisterClasses({ClassOf<TElementsForm>()});
-  auto Form = MakeOwned<TElementsForm>(nullptr);
-  Form->SetName("Form1");
-  auto Pic = test::MakeBitmap(2, 2, clRed);
-  Form->Header()->Image()->SetGraphic(Pic.get());
-  std::string Json = SaveFormToString(Form.get());
   const size_t At = Json.find("\"Data\": \"") + 9;
   Json.replace(At, 4, "!!!!");
-  auto Copy = MakeOwned<TElementsForm>(nullptr);
-  try {
-    LoadFormFromString(Copy.get(), Json);
-    FAIL() << "bad base64 was read";
-  } catch (const EFilerError& E) {
-    EXPECT_NE(E.Message().find("Header.Image.Data"), std::string::npos) << E.Message();
-  }
-  EXPECT_EQ(Copy->Header()->Image()->Graphic(), nullptr);
+  auto Bad = Form->Fresh();
+  EXPECT_NE(test::MessageOf<EFilerError>([&] {
+              LoadFormFromString(Bad.get(), Json);
+            }).find("Header.Image.Data"),
+            std::string::npos);
+  EXPECT_EQ(Bad->Part<TKXChartHeader>(0)->Image()->Graphic(), nullptr);
 }
 
 } // namespace

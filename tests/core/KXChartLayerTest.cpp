@@ -5,10 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include "axes/KXAxesTestSupport.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
-#include "axes/KXAxesTestSupport.h"
 #include "support/KXBitmapProbe.h"
+#include "support/KXTestSupport.h"
 
 namespace kx {
 
@@ -162,33 +163,28 @@ protected:
   }
 };
 
-TEST_F(LayerZoom, ThePictureGrowsAndMovesWithTheAxes) {
-  auto L = LayerWith(Pic.get(), imCenter);
-  auto H = MakeAxis(calBottom, 25, 75), V = MakeAxis(calLeft, 25, 75);
-  EXPECT_EQ(Painted(L.get(), {0, 0, 400, 300}, V.get(), H.get()), (TRect{100, 100, 300, 200}))
-      << "twice as large about the centre";
-  auto Full = MakeAxis(calLeft, 0, 100);
-  auto Right = MakeAxis(calBottom, 0, 50);
-  EXPECT_EQ(Painted(L.get(), {0, 0, 400, 300}, Full.get(), Right.get()),
-            (TRect{300, 125, 400, 175}))
-      << "one axis zooming is enough; the picture follows it alone";
-}
-
-TEST_F(LayerZoom, AStretchedPictureIsClippedToTheRectangle) {
-  auto L = LayerWith(Pic.get(), imStretch);
-  auto H = MakeAxis(calBottom, 25, 75), V = MakeAxis(calLeft, 25, 75);
-  EXPECT_EQ(Painted(L.get(), {50, 50, 450, 350}, V.get(), H.get()), (TRect{50, 50, 450, 350}));
-  EXPECT_EQ(Canvas->Canvas()->Pixel(60, 60), Red);
-}
-
-TEST_F(LayerZoom, NotZoomableOrWithoutZoomThePictureStaysPut) {
-  auto L = LayerWith(Pic.get(), imCenter);
-  auto H = MakeAxis(calBottom, 25, 75), V = MakeAxis(calLeft, 25, 75);
-  L->SetZoomable(false);
-  EXPECT_EQ(Painted(L.get(), {0, 0, 400, 300}, V.get(), H.get()), (TRect{150, 125, 250, 175}));
-  L->SetZoomable(true);
-  auto HF = MakeAxis(calBottom, 0, 100), VF = MakeAxis(calLeft, 0, 100);
-  EXPECT_EQ(Painted(L.get(), {0, 0, 400, 300}, VF.get(), HF.get()), (TRect{150, 125, 250, 175}));
+// Zoomed axes over 0..100: the picture grows and moves with them, one axis zooming alone
+// is enough, a stretched picture is clipped to the rectangle; not zoomable or without zoom
+// it stays put.
+TEST_F(LayerZoom, ThePictureFollowsTheZoomOfEitherAxis) {
+  const struct {
+    TImageMode Mode;
+    bool Zoomable;
+    double HMin, HMax, VMin, VMax;
+    TRect Area, Expected;
+  } Cases[] = {{imCenter, true, 25, 75, 25, 75, {0, 0, 400, 300}, {100, 100, 300, 200}},
+               {imCenter, true, 0, 50, 0, 100, {0, 0, 400, 300}, {300, 125, 400, 175}},
+               {imStretch, true, 25, 75, 25, 75, {50, 50, 450, 350}, {50, 50, 450, 350}},
+               {imCenter, false, 25, 75, 25, 75, {0, 0, 400, 300}, {150, 125, 250, 175}},
+               {imCenter, true, 0, 100, 0, 100, {0, 0, 400, 300}, {150, 125, 250, 175}}};
+  for (const auto& C : Cases) {
+    auto L = LayerWith(Pic.get(), C.Mode);
+    L->SetZoomable(C.Zoomable);
+    auto H = MakeAxis(calBottom, C.HMin, C.HMax), V = MakeAxis(calLeft, C.VMin, C.VMax);
+    EXPECT_EQ(Painted(L.get(), C.Area, V.get(), H.get()), C.Expected)
+        << GetEnumName(C.Mode) << " " << C.HMin << ".." << C.HMax;
+  }
+  EXPECT_EQ(Canvas->Canvas()->Pixel(200, 150), Red);
 }
 
 TEST_F(LayerZoom, AnEmptyZoomedRangeDrawsTheFillButNoPicture) {
@@ -233,30 +229,12 @@ TEST_F(LayerZoom, TheAxesAreLetGoAfterwardsAlsoWhenAHandlerRaises) {
 
 // --- Copies and the stored form ---
 
-class TLayerForm : public TComponent {
-  KX_CLASS(TLayerForm, TComponent)
-public:
-  using TComponent::TComponent;
-  TKXChartLayer* Layer() const { return FLayer.get(); }
-
-protected:
-  void DefineProperties(TFiler& Filer) override {
-    inherited::DefineProperties(Filer);
-    Filer.Property("Layer", this, &TLayerForm::Layer);
-  }
-
-private:
-  TOwned<TKXChartLayer> FLayer = MakeOwned<TKXChartLayer>();
-};
-
 TEST(ChartLayer, AssignAndTheStoredFormKeepEverySetting) {
-  RegisterClasses({ClassOf<TLayerForm>()});
-  auto Form = MakeOwned<TLayerForm>(nullptr);
+  auto Form = MakeOwned<test::TPartsForm>(nullptr);
   Form->SetName("Form1");
-  const std::string Plain = SaveFormToString(Form.get());
-  EXPECT_EQ(Plain.find("\"Layer\""), std::string::npos) << "a fresh layer writes nothing";
-
-  TKXChartLayer* L = Form->Layer();
+  TKXChartLayer* L = Form->Add<TKXChartLayer>("Layer");
+  EXPECT_EQ(SaveFormToString(Form.get()).find("\"Layer\""), std::string::npos)
+      << "a fresh layer writes nothing";
   auto Pic = Quadrants(4, 2);
   L->Image()->SetGraphic(Pic.get());
   L->SetImageMode(imProportionalCenter);
@@ -265,21 +243,13 @@ TEST(ChartLayer, AssignAndTheStoredFormKeepEverySetting) {
   L->Brush()->SetColor(clTeal);
   L->Pen()->SetWidth(3);
   L->SetVisible(false);
-
+  std::string Json;
+  auto Loaded = test::RoundTrip(Form.get(), &Json);
+  test::ExpectStored(Json, {"ImageMode", "Transparent", "Zoomable", "Color", "Width", "Visible"});
+  EXPECT_EQ(Loaded->Part<TKXChartLayer>(0)->Image()->Bitmap()->Canvas()->Pixel(3, 1), Yellow);
   auto Copy = MakeOwned<TKXChartLayer>();
   Copy->Assign(L);
-  auto Loaded = MakeOwned<TLayerForm>(nullptr);
-  LoadFormFromString(Loaded.get(), SaveFormToString(Form.get()));
-  for (TKXChartLayer* C : {Copy.get(), Loaded->Layer()}) {
-    EXPECT_EQ(C->ImageMode(), imProportionalCenter);
-    EXPECT_TRUE(C->Transparent());
-    EXPECT_FALSE(C->Zoomable());
-    EXPECT_EQ(C->Brush()->Color(), clTeal);
-    EXPECT_EQ(C->Pen()->Width(), 3);
-    EXPECT_FALSE(C->Visible());
-    ASSERT_EQ(C->Image()->Width(), 4);
-    EXPECT_EQ(C->Image()->Bitmap()->Canvas()->Pixel(3, 1), Yellow);
-  }
+  EXPECT_EQ(test::Stored(Copy.get()), test::Stored(L));
 }
 
 } // namespace

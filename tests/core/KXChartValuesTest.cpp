@@ -10,6 +10,7 @@
 
 #include "KXCoreTestSupport.h"
 #include "kxcharts/toolkit/objects/KXLists.h"
+#include "support/KXTestSupport.h"
 
 namespace kx {
 namespace {
@@ -18,8 +19,8 @@ using test::NumbersOf;
 using test::TTestChart;
 using test::TXYValues;
 
-const double NaN = std::numeric_limits<double>::quiet_NaN();
-const double Inf = std::numeric_limits<double>::infinity();
+using test::Inf;
+using test::NaN;
 
 // A collection with no chart, of one or two dimensions.
 struct TLooseValues {
@@ -96,29 +97,26 @@ TEST(ChartValues, ChangedNumberMovesTheValueIntoPlaceAndKeepsItsIdentity) {
   EXPECT_EQ(NumbersOf(V.get(), 0), (std::vector<double>{1, 5, 9, 16}));
 }
 
-TEST(ChartValues, ChangedNumberInSortedChartIsToldOnce) {
+TEST(ChartValues, AnAddOrAChangedNumberInASortedChartIsToldOnceAndInsideABracketNotAtAll) {
   TChartFixture F;
+  F.Values()->BeginUpdate();
+  for (int I = 0; I < 50; ++I)
+    F.Values()->Add(I);
+  EXPECT_EQ(F.ValueChanges, 0);
+  F.Values()->EndUpdate();
+  EXPECT_EQ(F.ValueChanges, 1);
+  F.Values()->Clear();
   F.Values()->SetSorted(true);
   F.Values()->SetSortByDimension(0);
+  F.ValueChanges = 0;
   for (double X : {1.0, 2.0, 3.0})
     F.Values()->Add({X, X});
+  EXPECT_EQ(F.ValueChanges, 3);
   F.ValueChanges = 0;
   F.Values()->Items(0)->SetValue(0, 10.0); // moves to the end
   EXPECT_EQ(F.ValueChanges, 1);
   EXPECT_EQ(NumbersOf(F.Values(), 0), (std::vector<double>{2, 3, 10}));
   F.Values()->Items(1)->SetValue(0, 3.5); // stays
-  EXPECT_EQ(F.ValueChanges, 2);
-}
-
-TEST(ChartValues, AddIsToldOnceAndInsideABracketNotAtAll) {
-  TChartFixture F;
-  F.Values()->Add(1.0);
-  EXPECT_EQ(F.ValueChanges, 1);
-  F.Values()->BeginUpdate();
-  for (int I = 0; I < 50; ++I)
-    F.Values()->Add(I);
-  EXPECT_EQ(F.ValueChanges, 1);
-  F.Values()->EndUpdate();
   EXPECT_EQ(F.ValueChanges, 2);
 }
 
@@ -170,17 +168,14 @@ TEST(ChartValue, ScaleAndOpacityAreClamped) {
   }
 }
 
-TEST(ChartValue, DisplayNameShowsCaptionAndNumbers) {
+TEST(ChartValue, DisplayNameShowsCaptionAndNumbersAndAddTakesOnlyTheDimensions) {
   TLooseValues V(true);
   TKXChartValue* A = V->Add({1, 2});
   EXPECT_EQ(A->DisplayName(), "(1.00, 2.00)");
   A->SetCaption("A");
   EXPECT_EQ(A->DisplayName(), "A (1.00, 2.00)");
   EXPECT_EQ(A->ValuesToString("0", false), "1, 2");
-}
-
-TEST(ChartValue, AddTakesAsManyNumbersAsTheCollectionHasDimensions) {
-  TLooseValues V(true);
+  // Add takes as many numbers as the collection has dimensions.
   TKXChartValue* Three = V->Add({1, 2, 3});
   EXPECT_EQ(Three->ValueCount(), 2);
   EXPECT_EQ(Three->GetValue(1), 2.0);
@@ -189,7 +184,7 @@ TEST(ChartValue, AddTakesAsManyNumbersAsTheCollectionHasDimensions) {
   EXPECT_EQ(One->GetValue(0), 7.0);
   EXPECT_EQ(One->GetValue(1), 0.0);
   EXPECT_EQ(One->Value(), 0.0);          // the default dimension of these values is 1
-  EXPECT_EQ(V->Add()->GetValue(0), 2.0); // Add() numbers a value by the count before it
+  EXPECT_EQ(V->Add()->GetValue(0), 3.0); // Add() numbers a value by the count before it
 }
 
 class TFourValues : public TKXChartValues {
@@ -292,15 +287,6 @@ TEST(ChartValues, MetadataSkipsNumbersThatAreNotFinite) {
   TLooseValues OnlyNaN;
   OnlyNaN->Add(NaN);
   EXPECT_EQ(OnlyNaN->MaxValue(), 0.0);
-}
-
-TEST(ChartValues, StackedTo100ShowsZeroTo100) {
-  TChartFixture F;
-  F.Values()->Add({0, 40});
-  F.Chart->SetGroupStyle(gsStacked100);
-  EXPECT_EQ(F.Values()->GetAxisMinimum(1), 0.0);
-  EXPECT_EQ(F.Values()->GetAxisMaximum(1), 100.0);
-  EXPECT_EQ(F.Values()->GetAxisMaximum(2), 0.0); // count - 1 of one value
 }
 
 // --- Searching ---

@@ -1,9 +1,12 @@
 #pragma once
 // What the chart core tests share: a two-dimensional value collection, a small chart kind
-// with sample values, a listener that writes down what it hears, and a form to own them.
+// with sample values, a listener that writes down what it hears, a form to own them, and a
+// form with a panel to put charts on.
 
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/objects/KXClasses.h"
@@ -101,5 +104,28 @@ inline std::vector<double> NumbersOf(const TKXChartValues* V, int32_t Dim) {
     R.push_back(V->Items(I)->GetValue(Dim));
   return R;
 }
+
+// A form with one panel, Panel1; charts are added by the tests.
+class PanelFixture : public testing::Test {
+protected:
+  void SetUp() override {
+    ColorListIndex = 0;
+    Form.reset(New<TTestForm>(nullptr));
+    Panel = New<TKXChartPanel>(Form.get());
+    Panel->SetName("Panel1");
+  }
+  // A chart named Name on the panel, with the numbers Ys at X = 0, 1, ...
+  TTestChart* AddChart(const std::string& Name, std::initializer_list<double> Ys = {}) {
+    auto* C = New<TTestChart>(Form.get());
+    C->SetName(Name);
+    C->SetPanel(Panel);
+    double X = 0;
+    for (double Y : Ys)
+      C->Values()->Add({X++, Y});
+    return C;
+  }
+  TOwned<TTestForm> Form;
+  TKXChartPanel* Panel = nullptr;
+};
 
 } // namespace kx::test

@@ -12,6 +12,7 @@
 #include "kxcharts/toolkit/objects/KXObjectRect.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "support/KXBitmapProbe.h"
+#include "support/KXTestSupport.h"
 
 namespace kx {
 namespace {
@@ -19,27 +20,7 @@ namespace {
 using test::TTestChart;
 using test::TTestForm;
 
-// A form with one panel; charts are added by the tests.
-class ChartInPanel : public testing::Test {
-protected:
-  void SetUp() override {
-    ColorListIndex = 0;
-    Form.reset(New<TTestForm>(nullptr));
-    Panel = New<TKXChartPanel>(Form.get());
-    Panel->SetName("Panel1");
-  }
-  TTestChart* AddChart(const std::string& Name, std::initializer_list<double> Ys = {}) {
-    auto* C = New<TTestChart>(Form.get());
-    C->SetName(Name);
-    C->SetPanel(Panel);
-    double X = 0;
-    for (double Y : Ys)
-      C->Values()->Add({X++, Y});
-    return C;
-  }
-  TOwned<TTestForm> Form;
-  TKXChartPanel* Panel = nullptr;
-};
+using ChartInPanel = test::PanelFixture;
 
 // --- Joining, leaving, freeing ---
 
@@ -436,6 +417,7 @@ TEST_F(ChartInPanel, CloneCopiesSettingsAndValuesIntoTheSameClass) {
   TKXCustomChart* B = A->Clone();
   EXPECT_EQ(B->ClassType(), A->ClassType());
   EXPECT_EQ(B->Owner(), Form.get());
+  EXPECT_EQ(B->Panel(), nullptr); // the panel is not a setting: it is where a chart lives
   EXPECT_EQ(B->Caption(), "Sales");
   EXPECT_EQ(B->VertAxis(), vaRight);
   EXPECT_EQ(B->Group(), 2);
@@ -443,7 +425,6 @@ TEST_F(ChartInPanel, CloneCopiesSettingsAndValuesIntoTheSameClass) {
   EXPECT_EQ(B->ValueLabelStyle(), ltsPercent);
   EXPECT_EQ(B->Pen()->Width(), 3);
   EXPECT_EQ(test::NumbersOf(B->Values(), 1), (std::vector<double>{1, 2, 3}));
-  EXPECT_EQ(B->Panel(), nullptr); // the panel is not a setting: it is where a chart lives
   EXPECT_THROW(B->Assign(Panel), EConvertError);
 }
 

@@ -6,10 +6,10 @@
 
 #include <gtest/gtest.h>
 
-#include "kxcharts/core/KXChartPanel.h"
-#include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "core/KXCoreTestSupport.h"
+#include "kxcharts/core/KXChartPanel.h"
 #include "support/KXBitmapProbe.h"
+#include "support/KXTestSupport.h"
 
 namespace kx {
 
@@ -27,10 +27,7 @@ public:
 };
 
 std::vector<std::string> TextsOf(TStrings* L) {
-  std::vector<std::string> R;
-  for (int32_t I = 0; I < L->Count(); ++I)
-    R.push_back(L->Strings(I));
-  return R;
+  return std::vector<std::string>(L->begin(), L->end());
 }
 
 void SetFixedLines(TKXChartLegend* L, const std::vector<std::string>& Texts,
@@ -42,43 +39,33 @@ void SetFixedLines(TKXChartLegend* L, const std::vector<std::string>& Texts,
   L->SetLines(S.get());
 }
 
-class LegendInPanel : public testing::Test {
+class LegendInPanel : public test::PanelFixture {
 protected:
   void SetUp() override {
-    ColorListIndex = 0;
-    Form.reset(New<TTestForm>(nullptr));
-    Panel = New<TKXChartPanel>(Form.get());
-    Panel->SetName("Panel1");
+    PanelFixture::SetUp();
     Legend = Panel->Legend();
   }
-  TTestChart* AddChart(const std::string& Caption, std::initializer_list<double> Ys = {}) {
-    auto* C = New<TTestChart>(Form.get());
-    C->SetCaption(Caption);
-    C->SetPanel(Panel);
-    double X = 0;
-    for (double Y : Ys)
-      C->Values()->Add({X++, Y});
-    return C;
-  }
-  TOwned<TTestForm> Form;
-  TKXChartPanel* Panel = nullptr;
+  std::vector<std::string> Shown() { return TextsOf(Legend->Lines()); }
   TKXChartLegend* Legend = nullptr;
 };
+
+using Texts = std::vector<std::string>;
 
 // --- Gathering ---
 
 TEST_F(LegendInPanel, OneChartListsItsValuesAndTwoListTheCharts) {
   TTestChart* A = AddChart("Sales", {1, 2.5, 3});
   EXPECT_FALSE(Legend->IsShowingCharts());
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"1", "2.5", "3"}));
+  EXPECT_EQ(Shown(), (Texts{"1", "2.5", "3"}));
   EXPECT_EQ(Legend->Lines()->Objects(1), A->Values()->Items(1));
 
   TTestChart* B = AddChart("");
   EXPECT_TRUE(Legend->NeedsUpdate()) << "a chart that joins raises the flag";
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"Sales", "TTestChart"}))
+  EXPECT_EQ(Shown(), (Texts{"Sales", "TTestChart"}))
       << "a chart with no caption and no name goes by its class name";
-  EXPECT_EQ(Legend->Lines()->Objects(0), A);
   EXPECT_EQ(Legend->Lines()->Objects(1), B);
+  B->SetCaption("Costs");
+  EXPECT_EQ(Shown(), (Texts{"Sales", "Costs"})) << "the caption before the name";
 }
 
 TEST_F(LegendInPanel, ChartsOutOfTheLegendAreSkippedAndDoNotCountForAuto) {
@@ -87,65 +74,67 @@ TEST_F(LegendInPanel, ChartsOutOfTheLegendAreSkippedAndDoNotCountForAuto) {
   AddChart("C")->SetVisible(false);
   B->SetOptions(B->Options() - coShowInLegend);
   EXPECT_FALSE(Legend->IsShowingCharts());
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"4", "5"}));
+  EXPECT_EQ(Shown(), (Texts{"4", "5"}));
   Legend->SetLegendStyle(lsCharts);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"A"}));
+  EXPECT_EQ(Shown(), (Texts{"A"}));
   Legend->SetLegendStyle(lsChartsLastValue);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"A 5"}));
+  EXPECT_EQ(Shown(), (Texts{"A 5"}));
   A->Values()->Items(1)->SetVisible(false);
   Legend->SetLegendStyle(lsValues);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"4"})) << "hidden values too";
+  EXPECT_EQ(Shown(), (Texts{"4"})) << "hidden values too";
 }
 
-TEST_F(LegendInPanel, EventLinesStandFirstAndCountTowardsMaxRows) {
+TEST_F(LegendInPanel, EventLinesStandFirstAndCountTowardsMaxRowsAndValuesFillOneRowFewer) {
   for (const char* C : {"A", "B", "C", "D", "E"})
     AddChart(C);
   Legend->SetOnGetLegendStrings([](TObject*, TStrings* S) { S->Add("legend"); });
   Panel->SetOnGetLegendStrings([](TObject*, TStrings* S) { S->Add("panel"); });
   Legend->SetMaxRows(4);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"legend", "panel", "A", "B"}));
+  EXPECT_EQ(Shown(), (Texts{"legend", "panel", "A", "B"}));
   Legend->SetFirstIndex(3);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"legend", "panel", "D", "E"}));
+  EXPECT_EQ(Shown(), (Texts{"legend", "panel", "D", "E"}));
   Legend->SetFirstIndex(9);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"legend", "panel"}));
+  EXPECT_EQ(Shown(), (Texts{"legend", "panel"}));
+
+  Legend->SetOnGetLegendStrings(nullptr);
+  Panel->SetOnGetLegendStrings(nullptr);
+  Legend->SetLegendStyle(lsValues);
+  Panel->Charts()->Items(0)->Values()->Add({0, 1});
+  Panel->Charts()->Items(0)->Values()->Add({1, 2});
+  Legend->SetMaxRows(2);
+  Legend->SetFirstIndex(0);
+  EXPECT_EQ(Shown(), (Texts{"1"}));
+  Legend->SetFirstIndex(1);
+  EXPECT_EQ(Shown(), (Texts{"2"}));
 }
 
-TEST_F(LegendInPanel, ValuesFillOneRowFewerThanCharts) {
-  AddChart("A", {1, 2, 3, 4, 5});
-  Legend->SetMaxRows(3);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"1", "2"}));
-  Legend->SetFirstIndex(3);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"4", "5"}));
-  Legend->SetFirstIndex(5);
-  EXPECT_EQ(Legend->Lines()->Count(), 0);
-}
-
-TEST_F(LegendInPanel, LinesAreGatheredOnlyWhenTheFlagIsUp) {
+TEST_F(LegendInPanel, LinesAreGatheredOnceUntilTheFlagIsUpAgainAndAFailureTriesAgain) {
   AddChart("A");
   AddChart("B");
   int Gathered = 0;
-  Legend->SetOnGetLegendStrings([&](TObject*, TStrings*) { ++Gathered; });
+  bool Raise = false;
+  Legend->SetOnGetLegendStrings([&](TObject*, TStrings*) {
+    ++Gathered;
+    if (Raise) throw std::runtime_error("no lines today");
+  });
   Legend->Lines();
   Legend->Lines();
   EXPECT_EQ(Gathered, 1);
   EXPECT_FALSE(Legend->NeedsUpdate());
+  Raise = true;
   Panel->Charts()->Items(0)->SetCaption("Renamed");
-  EXPECT_EQ(Legend->Lines()->Strings(0), "Renamed");
-  EXPECT_EQ(Gathered, 2);
+  EXPECT_THROW(Legend->Lines(), std::runtime_error);
+  EXPECT_TRUE(Legend->NeedsUpdate());
+  Raise = false;
+  TStrings* L = Legend->Lines();
+  EXPECT_EQ(L->UpdateCount(), 0);
+  EXPECT_EQ(TextsOf(L), (Texts{"Renamed", "B"}));
+  EXPECT_EQ(Gathered, 3);
 }
 
-TEST_F(LegendInPanel, FixedLinesAreTheApplicationsUntilFixedIsCleared) {
+TEST_F(LegendInPanel, FixedLinesAreTheApplicationsAndSettingLinesAtDesignTimeFixesThem) {
   AddChart("A");
   AddChart("B");
-  SetFixedLines(Legend, {"mine"});
-  AddChart("C");
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"mine"}));
-  Legend->SetFixed(false);
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"A", "B", "C"}));
-}
-
-TEST_F(LegendInPanel, SettingLinesAtDesignTimeFixesThem) {
-  AddChart("A");
   auto S = MakeOwned<TStringList>();
   S->Add("run time");
   Legend->SetLines(S.get());
@@ -154,22 +143,10 @@ TEST_F(LegendInPanel, SettingLinesAtDesignTimeFixesThem) {
   S->SetStrings(0, "design time");
   Legend->SetLines(S.get());
   EXPECT_TRUE(Legend->Fixed());
-  EXPECT_EQ(TextsOf(Legend->Lines()), (std::vector<std::string>{"design time"}));
-}
-
-TEST_F(LegendInPanel, AFailedGatheringIsTriedAgainAtTheNextRead) {
-  AddChart("A");
-  AddChart("B");
-  bool Raise = true;
-  Legend->SetOnGetLegendStrings([&](TObject*, TStrings*) {
-    if (Raise) throw std::runtime_error("no lines today");
-  });
-  EXPECT_THROW(Legend->Lines(), std::runtime_error);
-  EXPECT_TRUE(Legend->NeedsUpdate());
-  Raise = false;
-  TStrings* L = Legend->Lines();
-  EXPECT_EQ(L->UpdateCount(), 0);
-  EXPECT_EQ(TextsOf(L), (std::vector<std::string>{"A", "B"}));
+  AddChart("C");
+  EXPECT_EQ(Shown(), (Texts{"design time"}));
+  Legend->SetFixed(false);
+  EXPECT_EQ(Shown(), (Texts{"A", "B", "C"}));
 }
 
 // --- Setters ---
@@ -200,31 +177,23 @@ TEST(ChartLegend, SettersStoreTheNearestAllowedNumberAndReportIt) {
     ((*Legend).*C.Set)(C.Given);
     EXPECT_EQ(Changes, C.Changes) << "the same number again is no change";
   }
-}
-
-TEST(ChartLegend, NegativeMarginsBecomeZeroWithOneChange) {
-  auto L = MakeOwned<TKXChartLegend>();
+  auto Legend = MakeOwned<L>();
   int Changes = 0;
-  L->SetOnChange([&](TObject*) { ++Changes; });
-  L->Margins()->SetRect({-2, 5, 7, -1});
-  EXPECT_EQ(L->Margins()->Rect(), (TRect{0, 5, 7, 0}));
-  EXPECT_EQ(Changes, 1);
-}
-
-TEST(ChartLegend, RectStyleGivesTheShadowTheBoxsShape) {
-  auto L = MakeOwned<TKXChartLegend>();
-  L->SetRectStyle(lrsRoundRect);
-  EXPECT_EQ(L->Shadow()->Style(), shpRoundRect);
-  L->SetRectStyle(lrsNone);
-  EXPECT_EQ(L->Shadow()->Style(), shpRoundRect);
-  L->SetRectStyle(lrsRectangle);
-  EXPECT_EQ(L->Shadow()->Style(), shpRectangle);
+  Legend->SetOnChange([&](TObject*) { ++Changes; });
+  Legend->Margins()->SetRect({-2, 5, 7, -1});
+  EXPECT_EQ(Legend->Margins()->Rect(), (TRect{0, 5, 7, 0}));
+  EXPECT_EQ(Changes, 1) << "negative margins become 0 with one change";
+  // The box's shape reaches the shadow; no box keeps the shadow's shape.
+  Legend->SetRectStyle(lrsRoundRect);
+  Legend->SetRectStyle(lrsNone);
+  EXPECT_EQ(Legend->Shadow()->Style(), shpRoundRect);
+  Legend->SetRectStyle(lrsRectangle);
+  EXPECT_EQ(Legend->Shadow()->Style(), shpRectangle);
 }
 
 TEST_F(LegendInPanel, TheLegendStartsWithThePanelsFont) {
   Panel->Font()->SetSize(11);
-  auto L = MakeOwned<TKXChartLegend>(Panel);
-  EXPECT_EQ(L->Font()->Size(), 11);
+  EXPECT_EQ(MakeOwned<TKXChartLegend>(Panel)->Font()->Size(), 11);
 }
 
 // --- Measuring ---
@@ -244,7 +213,7 @@ protected:
   TOwned<TBitmap> Bitmap = test::MakeBitmap(500, 400);
   TOwned<TProbeLegend> L;
   TCanvas* Canvas = nullptr;
-  int32_t TW = 0, TH = 0;
+  int32_t TW = 0, TH = 0, Longest = -1;
   const TRect Area{10, 20, 410, 320};
 };
 
@@ -257,57 +226,46 @@ TEST_F(LegendMeasure, LongestLineIsTheWidestTextUpToTheCap) {
 }
 
 TEST_F(LegendMeasure, SizeAndBoundsAtEverySide) {
-  struct TCase {
-    TKXLegendAlignment Align;
-    TSize Size;
-    TRect Bounds;
-  };
   // ml 3, mt 4, mr 3, mb 4, shadow 3, box 10, gap 10.
   const int32_t SideW = 3 + TW + 10 + 3 + 3 + 10, SideH = 4 + 3 * TH + 4 + 3;
   // A column steps over the text, the glyph, both side margins and the gap.
   const int32_t ColW = TW + 10 + 3 + 3 + 10, Cols = 400 / ColW, Rows = (3 + Cols - 1) / Cols;
   const int32_t FlowW = 3 + ColW * Cols + 3 + 3, FlowH = 4 + TH * Rows + 4 + 3;
-  const TCase Cases[] = {
+  const struct {
+    TKXLegendAlignment Align;
+    TSize Size;
+    TRect Bounds;
+  } Cases[] = {
       {laLeft, {SideW, SideH}, {10, 20, 10 + SideW + 6, 20 + SideH + 8}},
       {laRight, {SideW, SideH}, {410 - SideW - 6, 20, 410, 20 + SideH + 8}},
       {laBottom, {FlowW, FlowH}, {210 - FlowW / 2, 320 - FlowH - 8, 210 + FlowW / 2, 320}},
       {laTop, {FlowW, FlowH}, {210 - FlowW / 2, 20, 210 + FlowW / 2, 20 + FlowH + 8}},
   };
-  for (const TCase& C : Cases) {
+  for (const auto& C : Cases) {
     SCOPED_TRACE(GetEnumName(C.Align));
     L->SetAlign(C.Align);
-    int32_t Longest = -1;
     EXPECT_EQ(L->Size(Canvas, Area, Longest), C.Size);
     EXPECT_EQ(Longest, TW);
     Longest = -1;
     EXPECT_EQ(L->BoundsRect(Canvas, Area, Longest), C.Bounds);
     EXPECT_EQ(Longest, TW);
   }
-}
-
-TEST_F(LegendMeasure, ASideLegendIsCutAtTheBottomOfItsRectangle) {
   L->SetAlign(laLeft);
-  int32_t Longest;
-  EXPECT_EQ(L->BoundsRect(Canvas, {0, 0, 300, 12}, Longest).Bottom, 12);
+  EXPECT_EQ(L->BoundsRect(Canvas, {0, 0, 300, 12}, Longest).Bottom, 12)
+      << "a side legend is cut at the bottom of its rectangle";
+  L->SetResizeBounds(false);
+  EXPECT_EQ(L->BoundsRect(Canvas, Area, Longest), Area) << "without ResizeBounds: all of it";
 }
 
 TEST_F(LegendMeasure, ABottomLegendWiderThanItsRectangleKeepsOneColumn) {
   L->SetAlign(laBottom);
   L->SetMaxWidthPct(100);
   L->Shadow()->SetVisible(false);
-  int32_t Longest;
   const TSize S = L->Size(Canvas, {0, 0, 30, 200}, Longest);
   EXPECT_EQ(Longest, std::min(TW, 30));
   EXPECT_EQ(S, (TSize{3 + Longest + 20 + 6 + 3, 4 + 3 * TH + 4}));
   L->SetMaxRows(2);
   EXPECT_EQ(L->Size(Canvas, {0, 0, 30, 200}, Longest).cy, 4 + 2 * TH + 4) << "MaxRows caps rows";
-}
-
-TEST_F(LegendMeasure, WithoutResizeBoundsTheLegendTakesTheWholeRectangle) {
-  L->SetResizeBounds(false);
-  int32_t Longest = -1;
-  EXPECT_EQ(L->BoundsRect(Canvas, Area, Longest), Area);
-  EXPECT_EQ(Longest, TW);
 }
 
 // --- Drawing ---
@@ -322,28 +280,39 @@ protected:
     B->SetColor(clBlue);
     Legend->Shadow()->SetVisible(false);
     Legend->Pen()->SetColor(clBlack);
-    Canvas = Bitmap->Canvas();
     Canvas->SetFont(Legend->Font());
     TH = Canvas->TextHeight("A");
     TW = Canvas->TextWidth("Bananas");
   }
-  // The box: the bounds less the margins, as the legend draws it.
-  TRect Box(TCanvas* On, const TRect& R) {
+  // Draws the legend on a fresh silver bitmap; answers its box, the bounds less the margins.
+  TRect Draw(TCanvas* On = nullptr) {
+    if (!On) {
+      Bitmap = test::MakeBitmap(400, 300, clSilver);
+      On = Canvas = Bitmap->Canvas();
+    }
     int32_t Longest;
-    const TRect B = Legend->BoundsRect(On, R, Longest);
+    const TRect B = Legend->BoundsRect(On, Area, Longest);
+    Legend->Draw(On, Area);
     return {B.Left + 3, B.Top + 4, B.Right - 3, B.Bottom - 4};
   }
-  TColor At(int32_t X, int32_t Y) const { return Bitmap->Canvas()->Pixel(X, Y); }
+  TColor At(int32_t X, int32_t Y) const { return Canvas->Pixel(X, Y); }
+  // The middle of the glyph of row Row of a box.
+  TColor Glyph(const TRect& Box, int32_t Row) const {
+    return At(Box.Left + 8, Box.Top + 4 + Row * TH + TH / 2);
+  }
   TTestChart *A = nullptr, *B = nullptr;
   TOwned<TBitmap> Bitmap = test::MakeBitmap(400, 300, clSilver);
-  TCanvas* Canvas = nullptr;
+  TCanvas* Canvas = Bitmap->Canvas();
   int32_t TH = 0, TW = 0;
   const TRect Area{0, 0, 400, 300};
 };
 
+bool IsInk(TColor C) {
+  return GetRValue(C) < 128 && GetGValue(C) < 128;
+}
+
 TEST_F(LegendDrawing, BoxGlyphsAndTextsStandWhereTheyWereMeasured) {
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
+  const TRect R = Draw();
   EXPECT_EQ(R.Right, 400 - 3);
   EXPECT_EQ(At(R.Left, R.Top), clBlack) << "outline";
   EXPECT_EQ(At(R.Left + 1, R.Top + 1), clWhite) << "fill";
@@ -351,77 +320,61 @@ TEST_F(LegendDrawing, BoxGlyphsAndTextsStandWhereTheyWereMeasured) {
   // Glyph boxes: (x, y + 1, x + 10, y + TH - 2) in the chart's colour.
   const int32_t GX = R.Left + 3, GY = R.Top + 4;
   EXPECT_EQ(At(GX, GY + 1), clBlack) << "glyph outline in the legend's pen";
-  EXPECT_EQ(At(GX + 5, GY + TH / 2), clRed);
-  EXPECT_EQ(At(GX + 5, GY + TH + TH / 2), clBlue);
+  EXPECT_EQ(Glyph(R, 0), clRed);
+  EXPECT_EQ(Glyph(R, 1), clBlue);
   // The texts: ink between the glyph gap and the box's inner right edge, row by row.
-  const TRect Text1{GX + 20, GY, GX + 20 + TW, GY + TH};
-  const TRect Text2{GX + 20, GY + TH, GX + 20 + TW, GY + 2 * TH};
-  auto Ink = [](TColor C) { return GetRValue(C) < 128 && GetGValue(C) < 128; };
-  EXPECT_GT(test::CountPixels(Bitmap.get(), Text1, Ink), 10);
-  EXPECT_GT(test::CountPixels(Bitmap.get(), Text2, Ink), 10);
-  EXPECT_EQ(test::CountPixels(Bitmap.get(), {GX + 20, GY + 2 * TH, R.Right - 1, R.Bottom - 1}, Ink),
-            0)
+  for (int32_t Row : {0, 1})
+    EXPECT_GT(test::CountPixels(Bitmap.get(),
+                                {GX + 20, GY + Row * TH, GX + 20 + TW, GY + (Row + 1) * TH}, IsInk),
+              10);
+  EXPECT_EQ(
+      test::CountPixels(Bitmap.get(), {GX + 20, GY + 2 * TH, R.Right - 1, R.Bottom - 1}, IsInk), 0)
       << "nothing below the last line";
 }
 
-TEST_F(LegendDrawing, TheShadowLiesBesideTheBox) {
+TEST_F(LegendDrawing, TheShadowAndTheRectangleStylesShapeTheBox) {
   Legend->Shadow()->SetVisible(true);
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
+  TRect R = Draw();
   // The shadow takes 3 pixels at the bottom right; the box moves up and left by them.
   EXPECT_EQ(At(R.Right - 1, R.Bottom - 1), clBlack);
   EXPECT_EQ(At(R.Right - 4, R.Bottom - 4), clBlack) << "the box's outline";
   EXPECT_EQ(At(R.Right - 5, R.Bottom - 5), clWhite);
   EXPECT_EQ(At(R.Left + 1, R.Bottom - 2), clSilver) << "the shadow's own corner stays clear";
-}
-
-TEST_F(LegendDrawing, RectangleStylesShapeTheBox) {
-  const TRect R = Box(Canvas, Area);
+  Legend->Shadow()->SetVisible(false);
   Legend->SetRectStyle(lrsRoundRect);
-  Legend->Draw(Canvas, Area);
+  R = Draw();
   EXPECT_EQ(At(R.Left, R.Top), clSilver) << "a round corner";
   EXPECT_EQ(At(R.Left, (R.Top + R.Bottom) / 2), clBlack);
-  Bitmap = test::MakeBitmap(400, 300, clSilver);
-  Canvas = Bitmap->Canvas();
   Legend->SetRectStyle(lrsNone);
-  Legend->Draw(Canvas, Area);
+  R = Draw();
   EXPECT_EQ(At(R.Left, R.Top), clSilver);
   EXPECT_EQ(At(R.Left + 1, R.Top + 1), clSilver) << "no fill either";
-  EXPECT_EQ(At(R.Left + 8, R.Top + 4 + TH / 2), clRed) << "glyphs stay";
+  EXPECT_EQ(Glyph(R, 0), clRed) << "glyphs stay";
 }
 
-TEST_F(LegendDrawing, ValuesAreBoxedInTheirOwnColours) {
-  B->SetVisible(false);
+// Lines stand for charts (their colour), values (their own colours), other objects (a plain
+// box in the brush the canvas has) and nothing (no glyph).
+TEST_F(LegendDrawing, EachLineIsBoxedAsWhatItStandsFor) {
   A->SetOptions(A->Options() + coValueColors);
-  A->Values()->Add({0, 1}, "", clLime);
-  A->Values()->Add({1, 2}, "", clFuchsia);
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
-  EXPECT_EQ(At(R.Left + 8, R.Top + 4 + TH / 2), clLime);
-  EXPECT_EQ(At(R.Left + 8, R.Top + 4 + TH + TH / 2), clFuchsia);
-}
-
-TEST_F(LegendDrawing, OtherObjectsGetAPlainBoxAndLinesWithoutObjectNone) {
+  TKXChartValue* Lime = A->Values()->Add({0, 1}, "", clLime);
   auto Foreign = MakeOwned<TStringList>();
-  SetFixedLines(Legend, {"plain", "bare", "chart"}, {Foreign.get(), nullptr, A});
+  SetFixedLines(Legend, {"plain", "bare", "chart", "value"}, {Foreign.get(), nullptr, A, Lime});
   Legend->Brush()->SetColor(clYellow);
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
+  const TRect R = Draw();
   const int32_t GX = R.Left + 3, GY = R.Top + 4;
   EXPECT_EQ(At(GX, GY + 1), clBlack) << "a box outline";
-  EXPECT_EQ(At(GX + 5, GY + TH / 2), clYellow) << "filled with the brush the canvas has";
+  EXPECT_EQ(Glyph(R, 0), clYellow);
   EXPECT_EQ(At(GX, GY + TH + 1), clYellow) << "no glyph at all";
-  EXPECT_EQ(At(GX + 5, GY + 2 * TH + TH / 2), clRed);
+  EXPECT_EQ(Glyph(R, 2), clRed);
+  EXPECT_EQ(Glyph(R, 3), clLime);
 }
 
 TEST_F(LegendDrawing, ChartGlyphsAreDrawnByTheChart) {
   Legend->SetOptions({loChartGlyphs});
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
-  const TRect Glyph{R.Left + 3, R.Top + 5, R.Left + 13, R.Top + 4 + TH - 2};
-  EXPECT_GT(test::CountPixels(Bitmap.get(), Glyph, [](TColor C) { return test::Near(C, clRed); }),
-            0);
-  EXPECT_EQ(test::CountPixels(Bitmap.get(), Glyph, [](TColor C) { return C == clBlack; }), 0)
+  const TRect R = Draw();
+  const TRect G{R.Left + 3, R.Top + 5, R.Left + 13, R.Top + 4 + TH - 2};
+  EXPECT_GT(test::CountPixels(Bitmap.get(), G, [](TColor C) { return test::Near(C, clRed); }), 0);
+  EXPECT_EQ(test::CountPixels(Bitmap.get(), G, [](TColor C) { return C == clBlack; }), 0)
       << "no box outline of the legend's pen";
 }
 
@@ -429,33 +382,26 @@ TEST_F(LegendDrawing, LargeGlyphsAreSquare) {
   Legend->SetOptions({loLargeGlyphs});
   Legend->SetBoxSize(TH + 8);
   const int32_t S = TH + 8;
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
-  const TRect Glyph{R.Left + 3, R.Top + 4 + 1, R.Left + 3 + S - 2, R.Top + 4 + S - 2};
-  EXPECT_EQ(test::CountPixels(Bitmap.get(), Glyph, [](TColor C) { return C != clRed; }),
-            2 * (Glyph.Right - Glyph.Left) + 2 * (Glyph.Bottom - Glyph.Top) - 4)
+  const TRect R = Draw();
+  const TRect G{R.Left + 3, R.Top + 4 + 1, R.Left + 3 + S - 2, R.Top + 4 + S - 2};
+  EXPECT_EQ(test::CountPixels(Bitmap.get(), G, [](TColor C) { return C != clRed; }),
+            2 * (G.Right - G.Left) + 2 * (G.Bottom - G.Top) - 4)
       << "red inside a one-pixel outline";
   EXPECT_EQ(At(R.Left + 8, R.Top + 4 + S + S / 2), clBlue) << "the next row is BoxSize lower";
-
   // A box smaller than the text: the glyph grows to the text's height, and so does the row.
   Legend->SetBoxSize(4);
-  Bitmap = test::MakeBitmap(400, 300, clSilver);
-  Canvas = Bitmap->Canvas();
-  const TRect R2 = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
-  EXPECT_EQ(At(R2.Left + 5, R2.Top + 4 + TH + TH / 2), clBlue) << "rows do not overlap";
-  EXPECT_EQ(At(R2.Left + 5, R2.Top + 4 + TH / 2), clRed);
+  const TRect R2 = Draw();
+  EXPECT_EQ(Glyph(R2, 1), clBlue) << "rows do not overlap";
+  EXPECT_EQ(Glyph(R2, 0), clRed);
 }
 
 TEST_F(LegendDrawing, LinesFlowIntoColumnsAtTheBottom) {
   Legend->SetAlign(laBottom);
-  const TRect R = Box(Canvas, Area);
-  Legend->Draw(Canvas, Area);
+  const TRect R = Draw();
   int32_t Longest;
   Legend->BoundsRect(Canvas, Area, Longest);
-  const int32_t GY = R.Top + 4 + TH / 2;
-  EXPECT_EQ(At(R.Left + 8, GY), clRed);
-  EXPECT_EQ(At(R.Left + 3 + Longest + 10 + 3 + 3 + 10 + 5, GY), clBlue)
+  EXPECT_EQ(Glyph(R, 0), clRed);
+  EXPECT_EQ(At(R.Left + 3 + Longest + 10 + 3 + 3 + 10 + 5, R.Top + 4 + TH / 2), clBlue)
       << "the second line stands in the same row, one step to the right";
   EXPECT_LE(R.Left + 3 + 2 * (Longest + 26) - 10, R.Right - 3)
       << "the box holds the last column it measured";
@@ -465,15 +411,11 @@ TEST_F(LegendDrawing, TheRowWalkDrawsMaxRowsRowsInABoxOfThatHeight) {
   SetFixedLines(Legend, {"a", "b", "c", "d"}, {A, B, A, B});
   for (int32_t MaxRows : {3, 1}) {
     SCOPED_TRACE(MaxRows);
-    Bitmap->Canvas()->Brush()->SetColor(clSilver);
-    Bitmap->Canvas()->FillRect({0, 0, Bitmap->Width(), Bitmap->Height()});
     Legend->SetMaxRows(MaxRows);
-    const TRect R = Box(Canvas, Area);
+    const TRect R = Draw();
     EXPECT_EQ(R.Bottom - R.Top, 4 + MaxRows * TH + 4);
-    Legend->Draw(Canvas, Area);
-    const int32_t GX = R.Left + 8, GY = R.Top + 4 + TH / 2;
-    EXPECT_EQ(At(GX, GY + (MaxRows - 1) * TH), MaxRows % 2 ? clRed : clBlue) << "the last row";
-    EXPECT_NE(At(GX, GY + MaxRows * TH), MaxRows % 2 ? clBlue : clRed) << "no row beyond";
+    EXPECT_EQ(Glyph(R, MaxRows - 1), MaxRows % 2 ? clRed : clBlue) << "the last row";
+    EXPECT_NE(Glyph(R, MaxRows), MaxRows % 2 ? clBlue : clRed) << "no row beyond";
   }
 }
 
@@ -484,16 +426,13 @@ TEST_F(LegendDrawing, OnThePanelsOwnCanvasNothingLeavesTheBoxsInside) {
   TCanvas* Own = Panel->Canvas();
   Own->Brush()->SetColor(clSilver);
   Own->FillRect(Area);
-  const TRect R = Box(Own, Area);
-  Legend->Draw(Own, Area);
+  const TRect R = Draw(Own);
   const TRect Margin{R.Right - 3, R.Top + 4, R.Right - 1, R.Top + 4 + TH};
   const TRect Outside{R.Right, R.Top + 4, 400, R.Top + 4 + TH};
-  auto Ink = [](TColor C) { return GetRValue(C) < 128 && GetGValue(C) < 128; };
-  EXPECT_EQ(test::CountPixels(Panel->Bitmap(), Margin, Ink), 0);
-  EXPECT_EQ(test::CountPixels(Panel->Bitmap(), Outside, Ink), 0);
-  // The same on a foreign canvas runs on past the box.
-  Legend->Draw(Canvas, Area);
-  EXPECT_GT(test::CountPixels(Bitmap.get(), Outside, Ink), 0);
+  EXPECT_EQ(test::CountPixels(Panel->Bitmap(), Margin, IsInk), 0);
+  EXPECT_EQ(test::CountPixels(Panel->Bitmap(), Outside, IsInk), 0);
+  Draw(); // on a foreign canvas the text runs on past the box
+  EXPECT_GT(test::CountPixels(Bitmap.get(), Outside, IsInk), 0);
 }
 
 // --- Stored properties ---
@@ -504,12 +443,11 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
   Form->SetName("Form1");
   const std::string Plain = SaveFormToString(Form.get());
   EXPECT_EQ(Plain.find("\"Margins\""), std::string::npos) << "default margins stay out";
-  EXPECT_EQ(Plain.find("\"Lines\""), std::string::npos);
-
   AddChart("A");
   Legend->Lines();
   EXPECT_EQ(SaveFormToString(Form.get()).find("\"Lines\""), std::string::npos)
       << "gathered lines are not stored";
+
   SetFixedLines(Legend, {"first", "two\nlines", ""});
   Legend->SetAlign(laBottom);
   Legend->Margins()->SetTop(0); // the fresh value of a side, yet not the legend's start
@@ -523,26 +461,16 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
   Legend->Shadow()->SetSize(5);
   const std::string Json = SaveFormToString(Form.get());
   EXPECT_LT(Json.find("\"Fixed\""), Json.find("\"Lines\"")) << "Fixed is read first";
+  test::ExpectStored(Json, {"Align", "Margins", "Options", "RectStyle", "TextStyle", "MaxWidthPct",
+                            "TextVerticalAlign", "Overlay", "MaxRows", "Size"});
 
   TOwned<TTestForm> Copy(New<TTestForm>(nullptr));
   LoadFormFromString(Copy.get(), Json);
-  auto* P = static_cast<TKXChartPanel*>(Copy->FindComponent("Panel1"));
-  ASSERT_NE(P, nullptr);
-  TKXChartLegend* L = P->Legend();
-  EXPECT_TRUE(L->Fixed());
-  EXPECT_EQ(TextsOf(L->Lines()), (std::vector<std::string>{"first", "two\nlines", ""}));
-  EXPECT_EQ(L->Align(), laBottom);
-  EXPECT_EQ(L->Margins()->Rect(), (TRect{3, 0, 3, 4}));
-  EXPECT_EQ(L->Options(), (TKXLegendOptions{loLargeGlyphs, loChartGlyphs}));
-  EXPECT_EQ(L->RectStyle(), lrsRoundRect);
-  EXPECT_EQ(L->Shadow()->Style(), shpRoundRect);
-  EXPECT_EQ(L->TextStyle(), ltsCaptionPercent);
-  EXPECT_EQ(L->MaxWidthPct(), 60);
-  EXPECT_EQ(L->TextVerticalAlign(), taAlignTop);
-  EXPECT_TRUE(L->Overlay());
-  EXPECT_EQ(L->Shadow()->Size(), 5);
-  EXPECT_EQ(L->Alignment(), taLeftJustify);
   EXPECT_EQ(SaveFormToString(Copy.get()), Json);
+  TKXChartLegend* L = static_cast<TKXChartPanel*>(Copy->FindComponent("Panel1"))->Legend();
+  EXPECT_TRUE(L->Fixed());
+  EXPECT_EQ(TextsOf(L->Lines()), (Texts{"first", "two\nlines", ""}));
+  EXPECT_EQ(L->Shadow()->Style(), shpRoundRect);
 
   // Assign copies every stored setting, the fixed lines among them, and the box's shape
   // reaches the shadow.
@@ -552,29 +480,19 @@ TEST_F(LegendInPanel, StoredPropertiesRoundTripWithFixedLines) {
   P3->SetName("Panel1");
   ColorListIndex = 0; // the same colour as chart A
   auto* C3 = New<TTestChart>(Third.get());
-  C3->SetCaption("A");
+  C3->SetName("A");
   C3->SetPanel(P3);
   P3->Legend()->Assign(Legend);
   EXPECT_EQ(P3->Legend()->Shadow()->Style(), shpRoundRect);
   EXPECT_EQ(SaveFormToString(Third.get()), Json);
-}
 
-TEST_F(LegendInPanel, LinesThatAreNotTextsAreRefusedByName) {
-  StartChartPanelModule();
-  RegisterClasses({ClassOf<TTestForm>(), ClassOf<TTestChart>()});
-  Form->SetName("Form1");
-  SetFixedLines(Legend, {"x"});
-  std::string Json = SaveFormToString(Form.get());
-  const size_t At = Json.find("\"x\"");
-  ASSERT_NE(At, std::string::npos);
-  Json.replace(At, 3, "7");
-  TOwned<TTestForm> Copy(New<TTestForm>(nullptr));
-  try {
-    LoadFormFromString(Copy.get(), Json);
-    FAIL() << "a number was read as a line";
-  } catch (const EFilerError& E) {
-    EXPECT_NE(E.Message().find("Legend.Lines"), std::string::npos) << E.Message();
-  }
+  // Lines that are not texts are refused by name.
+  std::string Bad = Json;
+  Bad.replace(Bad.find("\"first\""), 7, "7");
+  EXPECT_NE(test::MessageOf<EFilerError>([&] {
+              LoadFormFromString(Copy.get(), Bad);
+            }).find("Legend.Lines"),
+            std::string::npos);
 }
 
 } // namespace

@@ -20,12 +20,29 @@ TTempDir::~TTempDir() {
   std::filesystem::remove_all(FPath, Ignored);
 }
 
+TPartsForm::TMakers& TPartsForm::LastMakers() {
+  static TMakers Makers;
+  return Makers;
+}
+
+void TPartsForm::Take(const std::string& Name, std::function<TOwned<TPersistent>()> Make,
+                      TPersistent* Part) {
+  FMakers.push_back({Name, std::move(Make)});
+  FParts.emplace_back(Part);
+  LastMakers() = FMakers;
+}
+
+void TPartsForm::AfterConstruction() {
+  inherited::AfterConstruction();
+  if (!ComponentState().Contains(csReading)) return;
+  for (const auto& [Name, Make] : TMakers(LastMakers()))
+    Take(Name, Make, Make().release());
+}
+
 TOwned<TPartsForm> TPartsForm::Fresh() const {
   auto F = MakeOwned<TPartsForm>(nullptr);
-  for (const auto& M : FMakers) {
-    F->FMakers.push_back(M);
-    F->FParts.push_back(M.second());
-  }
+  for (const auto& [Name, Make] : FMakers)
+    F->Take(Name, Make, Make().release());
   return F;
 }
 
@@ -42,6 +59,31 @@ TOwned<TPartsForm> RoundTrip(const TPartsForm* Form, std::string* Json) {
   EXPECT_EQ(SaveFormToString(Copy.get()), Text);
   if (Json) *Json = Text;
   return Copy;
+}
+
+namespace {
+
+// A form that stores one part it does not own.
+class THolderForm : public TComponent {
+  KX_CLASS(THolderForm, TComponent)
+
+public:
+  using TComponent::TComponent;
+  TPersistent* Part = nullptr;
+
+protected:
+  void DefineProperties(TFiler& Filer) override {
+    inherited::DefineProperties(Filer);
+    Filer.Property("Part", this, [](THolderForm* F) { return F->Part; });
+  }
+};
+
+} // namespace
+
+std::string Stored(TPersistent* Part) {
+  auto Form = MakeOwned<THolderForm>(nullptr);
+  Form->Part = Part;
+  return SaveFormToString(Form.get());
 }
 
 void ExpectStored(const std::string& Json, std::initializer_list<const char*> Names) {

@@ -41,7 +41,8 @@ private:
 };
 
 // A form that stores the parts it is given, each under its name, as a component stores
-// the objects it owns: a part's stored form needs no holder class of its own.
+// the objects it owns: a part's stored form needs no holder class of its own. A form that
+// the reader makes (for its rehearsal) gets the parts of the form last given one.
 class TPartsForm : public TComponent {
   KX_CLASS(TPartsForm, TComponent)
 
@@ -49,19 +50,25 @@ public:
   using TComponent::TComponent;
   // Adds a part made as New<T>(Args...), stored as Name.
   template <class T, class... A> T* Add(const std::string& Name, A... Args) {
-    FMakers.push_back({Name, [=] { return TOwned<TPersistent>(New<T>(Args...)); }});
-    FParts.push_back(FMakers.back().second());
-    return static_cast<T*>(FParts.back().get());
+    T* Part = New<T>(Args...);
+    Take(
+        Name, [=] { return TOwned<TPersistent>(New<T>(Args...)); }, Part);
+    return Part;
   }
   template <class T> T* Part(size_t I) const { return static_cast<T*>(FParts.at(I).get()); }
   // A form of fresh parts of the same making.
   TOwned<TPartsForm> Fresh() const;
 
+  void AfterConstruction() override;
+
 protected:
   void DefineProperties(TFiler& Filer) override;
 
 private:
-  std::vector<std::pair<std::string, std::function<TOwned<TPersistent>()>>> FMakers;
+  using TMakers = std::vector<std::pair<std::string, std::function<TOwned<TPersistent>()>>>;
+  void Take(const std::string& Name, std::function<TOwned<TPersistent>()> Make, TPersistent* Part);
+  static TMakers& LastMakers();
+  TMakers FMakers;
   std::vector<TOwned<TPersistent>> FParts;
 };
 
@@ -69,6 +76,10 @@ private:
 // document again: a property that reads back wrong writes back differently. Json gets the
 // document.
 TOwned<TPartsForm> RoundTrip(const TPartsForm* Form, std::string* Json = nullptr);
+
+// The stored form of Part: the document of a form that holds it. Two parts whose stored
+// forms are equal agree in every stored property (Assign copies them all).
+std::string Stored(TPersistent* Part);
 
 // Expects Json to hold a property of each name ("Name": ...): a round trip that writes the
 // same document again proves that what is written reads back, not that it is written.
