@@ -200,23 +200,9 @@ struct TMapCase {
 // range.
 std::vector<double> MapNumbers(const TKXChartAxis& Axis, const TRect& Rect) {
   const double Lo = Axis.ZoomMinimum(), Hi = Axis.ZoomMaximum();
-  std::vector<double> N = {Lo,
-                           Hi,
-                           0.0,
-                           -0.0,
-                           NaN,
-                           Inf,
-                           -Inf,
-                           DBL_MAX,
-                           -DBL_MAX,
-                           DBL_TRUE_MIN,
-                           -DBL_TRUE_MIN,
-                           1e300,
-                           -1e300,
-                           2e9,
-                           -2e9,
-                           std::nextafter(Lo, -Inf),
-                           std::nextafter(Hi, Inf)};
+  std::vector<double> N = {Lo,       Hi,           0.0,           -0.0,  NaN,    Inf, -Inf, DBL_MAX,
+                           -DBL_MAX, DBL_TRUE_MIN, -DBL_TRUE_MIN, 1e300, -1e300, 2e9, -2e9};
+  N.insert(N.end(), {std::nextafter(Lo, -Inf), std::nextafter(Hi, Inf)});
   const int32_t Pixels =
       std::max(std::abs(Rect.Right - Rect.Left), std::abs(Rect.Bottom - Rect.Top)) + 1;
   const double Step = Hi / Pixels - Lo / Pixels; // finite on the widest range
@@ -238,6 +224,7 @@ std::vector<double> MapNumbers(const TKXChartAxis& Axis, const TRect& Rect) {
 // pixels that saturate before a mirror) and through the axis itself for log scales.
 TEST(PixelMap, LandsEveryNumberWhereTheAxisDoes) {
   const TAxisOptions Rev{aoReversed}, Log{aoLogarithmic}, LogRev{aoLogarithmic, aoReversed};
+  // clang-format off
   const TMapCase Cases[] = {
       {"Bottom", calBottom, {}, 0, 100, NaN, NaN, 0, 100, {0, 0, 1237, 40}, 0},
       {"BottomReversed", calBottom, Rev, -3, 7.5, NaN, NaN, 0, 100, {13, 0, 700, 40}, 0},
@@ -250,24 +237,14 @@ TEST(PixelMap, LandsEveryNumberWhereTheAxisDoes) {
       {"EmptyLeftReversed", calLeft, Rev, 5, 5, NaN, NaN, 0, 100, {0, 0, 40, 100}, 1},
       {"EmptyLogarithmic", calLeft, Log, 5, 5, NaN, NaN, 0, 100, {0, 0, 40, 100}, 0},
       {"HugeBottom", calBottom, {}, -1e308, 1e308, NaN, NaN, 0, 100, {0, 0, 1000, 40}, 0},
-      {"HugeLeftReversed",
-       calLeft,
-       Rev,
-       -1.5e308,
-       1.7e308,
-       NaN,
-       NaN,
-       0,
-       100,
-       {0, 0, 40, 900},
-       1e300},
+      {"HugeLeftReversed", calLeft, Rev, -1.5e308, 1.7e308, NaN, NaN, 0, 100, {0, 0, 40, 900}, 1e300},
       {"Tiny", calLeft, {}, 1e-300, 3e-300, NaN, NaN, 0, 100, {0, 0, 40, 500}, 0},
       {"InvertedRect", calBottom, {}, 0, 10, NaN, NaN, 0, 100, {500, 0, 100, 40}, 0},
       {"FlatRect", calLeft, {}, 0, 10, NaN, NaN, 0, 100, {0, 50, 40, 50}, 0},
       {"FarRect", calRight, Rev, 0, 10, NaN, NaN, 0, 100, {0, -900000, 40, 1200000}, 0},
       {"Logarithmic", calLeft, Log, 1, 1000, NaN, NaN, 0, 100, {0, 0, 40, 600}, 2},
-      {"LogarithmicReversed", calBottom, LogRev, 1, 1000, 10, 500, 0, 100, {0, 0, 800, 40}, 0},
-  };
+      {"LogarithmicReversed", calBottom, LogRev, 1, 1000, 10, 500, 0, 100, {0, 0, 800, 40}, 0}};
+  // clang-format on
   for (const TMapCase& C : Cases) {
     SCOPED_TRACE(C.Name);
     auto A = MakeAxis(C.Location, C.Min, C.Max);

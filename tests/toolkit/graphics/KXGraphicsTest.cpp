@@ -23,19 +23,13 @@ TEST(Pixels, RoundTakesHalvesAwayFromZeroAndBothSaturate) {
     double In;
     int32_t Round, Trunc;
   };
-  const Case Cases[] = {{0.5, 1, 0},
-                        {-0.5, -1, 0},
-                        {1.5, 2, 1},
-                        {2.5, 3, 2},
-                        {-2.5, -3, -2},
-                        {1.9, 2, 1},
-                        {-1.9, -2, -1},
-                        {0.49999999999999994, 0, 0},
-                        {NaN, 0, 0},
-                        {Inf, KXMaxCanvasInt, KXMaxCanvasInt},
-                        {-1e308, -KXMaxCanvasInt, -KXMaxCanvasInt},
-                        {4294967296.0, KXMaxCanvasInt, KXMaxCanvasInt},
-                        {1073741822.6, KXMaxCanvasInt, 1073741822}};
+  // clang-format off
+  const Case Cases[] = {
+      {0.5, 1, 0}, {-0.5, -1, 0}, {1.5, 2, 1}, {2.5, 3, 2}, {-2.5, -3, -2}, {1.9, 2, 1},
+      {-1.9, -2, -1}, {0.49999999999999994, 0, 0}, {NaN, 0, 0},
+      {Inf, KXMaxCanvasInt, KXMaxCanvasInt}, {-1e308, -KXMaxCanvasInt, -KXMaxCanvasInt},
+      {4294967296.0, KXMaxCanvasInt, KXMaxCanvasInt}, {1073741822.6, KXMaxCanvasInt, 1073741822}};
+  // clang-format on
   for (const Case& C : Cases) {
     EXPECT_EQ(CanvasRound(C.In), C.Round) << "CanvasRound(" << C.In << ")";
     EXPECT_EQ(CanvasTrunc(C.In), C.Trunc) << "CanvasTrunc(" << C.In << ")";

@@ -89,20 +89,17 @@ TEST(PathData, BadTextRaisesAnErrorNamingThePositionAndChangesNothing) {
     size_t Position;
     const char* Reason;
   };
-  const Case Cases[] = {{"M", 2, "a number was expected"},
-                        {"L 1", 1, "must begin with a move command"},
-                        {"Z Z", 1, "must begin with a move command"},
-                        {"M0,0 X1,1", 6, "unknown command 'X'"},
-                        {"M0,0 L1", 8, "a number was expected"},
-                        {"M NaN,1", 3, "a number was expected"},
-                        {"M0,0 L inf,1", 8, "a number was expected"},
-                        {"M1e309,0", 2, "out of range"},
-                        {"M0,0 L-1e400,0", 7, "out of range"},
-                        {"M0,0 Z 5", 8, "a command letter was expected"},
-                        {"M0,0 A1,1 0 2,0 5,5", 13, "arc flag"},
-                        {"M0,0 L1,1 #", 11, "unexpected character '#'"},
-                        {std::string("M0,0 \x01"), 6, "unexpected byte 0x01"},
-                        {"M0,0 L1,,", 10, "a number was expected"}};
+  // clang-format off
+  const Case Cases[] = {
+      {"M", 2, "a number was expected"}, {"L 1", 1, "must begin with a move command"},
+      {"Z Z", 1, "must begin with a move command"}, {"M0,0 X1,1", 6, "unknown command 'X'"},
+      {"M0,0 L1", 8, "a number was expected"}, {"M NaN,1", 3, "a number was expected"},
+      {"M0,0 L inf,1", 8, "a number was expected"}, {"M1e309,0", 2, "out of range"},
+      {"M0,0 L-1e400,0", 7, "out of range"}, {"M0,0 Z 5", 8, "a command letter was expected"},
+      {"M0,0 A1,1 0 2,0 5,5", 13, "arc flag"}, {"M0,0 L1,1 #", 11, "unexpected character '#'"},
+      {std::string("M0,0 \x01"), 6, "unexpected byte 0x01"},
+      {"M0,0 L1,,", 10, "a number was expected"}};
+  // clang-format on
   for (const Case& C : Cases) {
     const auto P = Path("M1,1 L2,2");
     int Changes = 0;

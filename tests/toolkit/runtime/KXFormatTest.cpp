@@ -65,23 +65,16 @@ TEST(FormatFloat, PicturesPlaceDigitsSectionsExponentsAndLiterals) {
 }
 
 TEST(FloatToStr, GeneralFormatWith15SignificantDigits) {
+  // clang-format off
   struct {
     double Value;
     const char* Expected;
-  } const Cases[] = {{0.1, "0.1"},
-                     {0.1 + 0.2, "0.3"},
-                     {1.0 / 3, "0.333333333333333"},
-                     {100, "100"},
-                     {-12345.678, "-12345.678"},
-                     {123456789012345, "123456789012345"},
-                     {1e15, "1E15"},
-                     {1.5e300, "1.5E300"},
-                     {0.0001, "0.0001"},
-                     {0.00001, "1E-5"},
-                     {5e-324, "5E-324"},
-                     {-0.0, "0"},
-                     {NaN, "NAN"},
-                     {-Inf, "-INF"}};
+  } const Cases[] = {
+      {0.1, "0.1"}, {0.1 + 0.2, "0.3"}, {1.0 / 3, "0.333333333333333"}, {100, "100"},
+      {-12345.678, "-12345.678"}, {123456789012345, "123456789012345"}, {1e15, "1E15"},
+      {1.5e300, "1.5E300"}, {0.0001, "0.0001"}, {0.00001, "1E-5"}, {5e-324, "5E-324"}, {-0.0, "0"},
+      {NaN, "NAN"}, {-Inf, "-INF"}};
+  // clang-format on
   for (const auto& C : Cases)
     EXPECT_EQ(FloatToStr(C.Value), C.Expected) << C.Value;
 }
@@ -139,31 +132,24 @@ TEST(Format, MismatchedOrMissingArgumentsRaise) {
 
 TEST(FormatDateTime, EverySpecifierWithEnglishSettings) {
   const TDateTime V = EncodeDateTime(2024, 2, 9, 13, 5, 9, 7); // a Friday afternoon
+  // clang-format off
   struct {
     const char* Format;
     const char* Expected;
   } const Cases[] = {
-      {"d dd ddd dddd", "9 09 Fri Friday"},
-      {"m mm mmm mmmm", "2 02 Feb February"},
-      {"yy yyyy y yyy", "24 2024 24 2024"},
-      {"ddddd|dddddd", "2/9/2024|Friday, February 9, 2024"},
+      {"d dd ddd dddd", "9 09 Fri Friday"}, {"m mm mmm mmmm", "2 02 Feb February"},
+      {"yy yyyy y yyy", "24 2024 24 2024"}, {"ddddd|dddddd", "2/9/2024|Friday, February 9, 2024"},
       {"h hh n nn s ss z zzz", "13 13 5 05 9 09 7 007"},
       {"hh:mm", "13:05"}, // m after h is minutes
       {"h 'x' mm", "13 x 05"},
-      {"hh:nn mm", "13:05 02"},  // after n it is the month again
+      {"hh:nn mm", "13:05 02"}, // after n it is the month again
       {"h:nn am/pm", "1:05 pm"}, // the case as written
-      {"h:nn Am/pM", "1:05 pM"},
-      {"h:nn a/p", "1:05 p"},
-      {"hh ampm", "01 PM"},
-      {"t|tt", "1:05 PM|1:05:09 PM"},
-      {"c", "2/9/2024 1:05:09 PM"},
-      {"", "2/9/2024 1:05:09 PM"},
-      {"yyyy/mm/dd", "2024/02/09"},
-      {"'dd' \"mm\" dd", "dd mm 09"},
-      {"D-M-YY", "9-2-24"},
+      {"h:nn Am/pM", "1:05 pM"}, {"h:nn a/p", "1:05 p"}, {"hh ampm", "01 PM"},
+      {"t|tt", "1:05 PM|1:05:09 PM"}, {"c", "2/9/2024 1:05:09 PM"}, {"", "2/9/2024 1:05:09 PM"},
+      {"yyyy/mm/dd", "2024/02/09"}, {"'dd' \"mm\" dd", "dd mm 09"}, {"D-M-YY", "9-2-24"},
       {"h 'am/pm' h am/pm", "13 am/pm 1 pm"}, // the quoted am/pm does not count
-      {"x[e]g", "x[e]g"},
-  };
+      {"x[e]g", "x[e]g"}};
+  // clang-format on
   for (const auto& C : Cases)
     EXPECT_EQ(FormatDateTime(C.Format, V), C.Expected) << C.Format;
 }
@@ -193,23 +179,19 @@ TEST(FormatDateTime, MidnightNoonAndTheDayBefore) {
 }
 
 TEST(StrToFloat, ReadsPlainDecimalsOnly) {
+  // clang-format off
   struct {
     const char* Text;
     bool Ok;
     double Value;
   } const Cases[] = {
-      {"1.5", true, 1.5},      {" -12.5e3 ", true, -12500},
-      {"+.5", true, 0.5},      {"5.", true, 5},
-      {"1E-2", true, 0.01},    {"1e-400", true, 0},
-      {"-1e-400", true, -0.0}, {"inf", true, Inf},
-      {"-INF", true, -Inf},    {"1e400", false, 0},
-      {"1,5", false, 0},       {"1,000", false, 0},
-      {"", false, 0},          {" ", false, 0},
-      {".", false, 0},         {"1e", false, 0},
-      {"1e+", false, 0},       {"0x10", false, 0},
-      {"--1", false, 0},       {"1.2.3", false, 0},
-      {"infinity", false, 0},  {"12abc", false, 0},
-  };
+      {"1.5", true, 1.5}, {" -12.5e3 ", true, -12500}, {"+.5", true, 0.5}, {"5.", true, 5},
+      {"1E-2", true, 0.01}, {"1e-400", true, 0}, {"-1e-400", true, -0.0}, {"inf", true, Inf},
+      {"-INF", true, -Inf}, {"1e400", false, 0}, {"1,5", false, 0}, {"1,000", false, 0},
+      {"", false, 0}, {" ", false, 0}, {".", false, 0}, {"1e", false, 0}, {"1e+", false, 0},
+      {"0x10", false, 0}, {"--1", false, 0}, {"1.2.3", false, 0}, {"infinity", false, 0},
+      {"12abc", false, 0}};
+  // clang-format on
   for (const auto& C : Cases) {
     double V = 42;
     EXPECT_EQ(TryStrToFloat(C.Text, V), C.Ok) << C.Text;
@@ -228,27 +210,18 @@ TEST(StrToFloat, ReadsPlainDecimalsOnly) {
 }
 
 TEST(StrToInt, DecimalAndHexadecimalWithinTheirWidth) {
+  // clang-format off
   struct {
     const char* Text;
     bool Ok;
     int32_t Value;
   } const Cases[] = {
-      {"42", true, 42},
-      {" -17", true, -17},
-      {"+8 ", true, 8},
-      {"$FF", true, 255},
-      {"0x1a", true, 26},
-      {"$FFFFFFFF", true, -1},
-      {"-$10", true, -16},
-      {"2147483647", true, 2147483647},
-      {"-2147483648", true, std::numeric_limits<int32_t>::min()},
-      {"2147483648", false, 0},
-      {"$100000000", false, 0},
-      {"1.0", false, 0},
-      {"", false, 0},
-      {"$", false, 0},
-      {"12 3", false, 0},
-  };
+      {"42", true, 42}, {" -17", true, -17}, {"+8 ", true, 8}, {"$FF", true, 255},
+      {"0x1a", true, 26}, {"$FFFFFFFF", true, -1}, {"-$10", true, -16},
+      {"2147483647", true, 2147483647}, {"-2147483648", true, std::numeric_limits<int32_t>::min()},
+      {"2147483648", false, 0}, {"$100000000", false, 0}, {"1.0", false, 0}, {"", false, 0},
+      {"$", false, 0}, {"12 3", false, 0}};
+  // clang-format on
   for (const auto& C : Cases) {
     int32_t V = 99;
     EXPECT_EQ(TryStrToInt(C.Text, V), C.Ok) << C.Text;

@@ -39,22 +39,17 @@ TEST(SameValue, ToleranceScalesWithTheSmallerMagnitude) {
 }
 
 TEST(Round, HalvesGoToTheEvenNeighbour) {
+  // clang-format off
   struct {
     double X;
     int64_t Expected;
   } const Cases[] = {
-      {0.5, 0},
-      {1.5, 2},
-      {2.5, 2},
-      {3.5, 4},
-      {-0.5, 0},
-      {-1.5, -2},
-      {-2.5, -2},
+      {0.5, 0}, {1.5, 2}, {2.5, 2}, {3.5, 4}, {-0.5, 0}, {-1.5, -2}, {-2.5, -2},
       {2.5000000000000004, 3},
       {0.49999999999999994, 0}, // floor(x + 0.5) would give 1
       {4503599627370497.0, 4503599627370497},
-      {-9223372036854775808.0, std::numeric_limits<int64_t>::min()},
-  };
+      {-9223372036854775808.0, std::numeric_limits<int64_t>::min()}};
+  // clang-format on
   for (const auto& C : Cases)
     EXPECT_EQ(Round(C.X), C.Expected) << C.X;
 }
