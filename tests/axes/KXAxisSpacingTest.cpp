@@ -250,18 +250,6 @@ TEST(LabelSteps, ForRealFontsDoubleTheFirstStepOnlyWhenItsLabelsDoNotFit) {
   }
 }
 
-TEST(LabelSteps, ALargerFontNeverGivesASmallerStep) {
-  TOwned<TBitmap> Bmp(New<TBitmap>());
-  double Last = 0;
-  for (int32_t Size : {6, 8, 12, 18, 28, 40}) {
-    auto A = MakeAxis(calBottom, 0, 12345);
-    Bmp->Canvas()->Font()->SetSize(Size);
-    const double Step = A->GetLabelSpacing(Bmp->Canvas(), {0, 0, 500, 30}, 0, 12345);
-    EXPECT_GE(Step, Last) << Size;
-    Last = Step;
-  }
-}
-
 // --- Dates ---
 
 TEST(DateAxis, StepsAreFoundInDaysFromTheDatesTheLabelsShow) {

@@ -18,20 +18,6 @@ template <class C, class V> TOwned<C> MakeValues() {
   return TOwned<C>(New<C>(nullptr, ClassOf<V>()));
 }
 
-TEST(XYChartValues, TwoDimensionalCollectionHasXAsTimeAndYAsDefault) {
-  auto V = MakeValues<TKX2DChartValues, TKX2DChartValue>();
-  EXPECT_EQ(V->DimensionCount(), 2);
-  EXPECT_EQ(V->TimeDimension(), 0);
-  EXPECT_EQ(V->DefaultDimension(), 1);
-  EXPECT_EQ(V->XDim(), 0);
-  EXPECT_EQ(V->YDim(), 1);
-  TKX2DChartValue* P = V->Add(3, 4);
-  EXPECT_EQ(P->Value(), 4.0);
-  P->SetValue(9.0);
-  EXPECT_EQ(P->Y(), 9.0);
-  EXPECT_EQ(P->X(), 3.0);
-}
-
 TEST(XYChartValues, AddingAValueAloneTakesThePresentLargestXNotOnePastIt) {
   auto V = MakeValues<TKX2DChartValues, TKX2DChartValue>();
   EXPECT_EQ(V->Add(7.0)->X(), 0.0);
