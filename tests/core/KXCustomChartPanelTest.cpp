@@ -186,101 +186,69 @@ TEST_P(PanelLayoutTable, CutsTheClientRectangleIntoTheElementsAreas) {
     EXPECT_FALSE(Rects.count(Name)) << Name << " was drawn";
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Configurations, PanelLayoutTable,
-    testing::Values(TLayoutCase{"Default",
-                                nullptr,
-                                {34, 39, 386, 251},
-                                {{"Background", Whole},
-                                 {"Gradient", {0, 0, 392, 290}},
-                                 {"Header", {4, 5, 396, 29}},
-                                 {"Footer", {4, 271, 396, 295}},
-                                 {"BottomAxis", {34, 39, 386, 271}},
-                                 {"LeftAxis", {4, 39, 386, 251}}},
-                                {"TopAxis", "RightAxis", "ChartBackground", "Foreground", "Legend",
-                                 "ChartShadow"}},
-                    TLayoutCase{"AllAxesAndLayers",
-                                [](TKXCustomChartPanel* P) {
-                                  P->TopAxis()->SetVisible(true);
-                                  P->RightAxis()->SetVisible(true);
-                                  P->ChartBackground()->SetVisible(true);
-                                  P->Foreground()->SetVisible(true);
-                                },
-                                {34, 44, 371, 251},
-                                {{"ChartBackground", {34, 44, 371, 251}},
-                                 {"BottomAxis", {34, 44, 371, 271}},
-                                 {"TopAxis", {34, 29, 371, 251}},
-                                 {"LeftAxis", {4, 44, 371, 251}},
-                                 {"RightAxis", {34, 44, 396, 251}},
-                                 {"Foreground", Whole}},
-                                {}},
-                    TLayoutCase{"HiddenAxesKeepTen",
-                                [](TKXCustomChartPanel* P) {
-                                  P->LeftAxis()->SetVisible(false);
-                                  P->BottomAxis()->SetVisible(false);
-                                },
-                                {14, 39, 386, 261},
-                                {},
-                                {"LeftAxis", "BottomAxis"}},
-                    TLayoutCase{
-                        "InwardAxesKeepTen",
-                        [](TKXCustomChartPanel* P) {
-                          P->LeftAxis()->SetInwardPosition(50);
-                          P->BottomAxis()->SetInwardPosition(20);
-                        },
-                        {14, 39, 386, 261},
-                        {{"LeftAxis", {4, 39, 386, 261}}, {"BottomAxis", {14, 39, 386, 271}}},
-                        {}},
-                    TLayoutCase{"NoHeaderOrFooter",
-                                [](TKXCustomChartPanel* P) {
-                                  P->Header()->SetVisible(false);
-                                  P->Footer()->SetVisible(false);
-                                },
-                                {34, 15, 386, 275},
-                                {},
-                                {"Header", "Footer"}},
-                    TLayoutCase{"TallHeaderAndFooter",
-                                [](TKXCustomChartPanel* P) {
-                                  P->Header()->SetHeight(40);
-                                  P->Footer()->SetHeight(31);
-                                },
-                                {34, 55, 386, 244},
-                                {{"Header", {4, 5, 396, 45}}, {"Footer", {4, 264, 396, 295}}},
-                                {}},
-                    TLayoutCase{"WiderMargins",
-                                [](TKXCustomChartPanel* P) {
-                                  P->Margins()->SetRect({10, 20, 30, 40});
-                                },
-                                {41, 55, 359, 215},
-                                {{"Background", {11, 21, 369, 259}}, {"Header", {11, 21, 369, 45}}},
-                                {}},
-                    TLayoutCase{"FrameOfBevelsAndBorder",
-                                [](TKXCustomChartPanel* P) {
-                                  P->SetBevelInner(bvLowered);
-                                  P->SetBevelWidth(2);
-                                  P->SetBorderStyle(bsSingle);
-                                  P->SetBorderWidth(3);
-                                },
-                                {40, 45, 380, 245},
-                                {{"Background", {10, 11, 390, 289}}},
-                                {}},
-                    TLayoutCase{"BorderWidthWithoutBorderStyleTakesNoRoom",
-                                [](TKXCustomChartPanel* P) { P->SetBorderWidth(5); },
-                                {34, 39, 386, 251},
-                                {},
-                                {}},
-                    TLayoutCase{"HiddenLegendTakesNoRoom",
-                                [](TKXCustomChartPanel* P) {
-                                  auto L = MakeOwned<TStringList>();
-                                  L->Add("One");
-                                  P->Legend()->SetFixed(true);
-                                  P->Legend()->SetLines(L.get());
-                                  P->Legend()->SetVisible(false);
-                                },
-                                {34, 39, 386, 251},
-                                {},
-                                {"Legend"}}),
+using TPanelPtr = TKXCustomChartPanel*;
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Configurations, PanelLayoutTable, testing::Values(
+    TLayoutCase{"Default", nullptr, {34, 39, 386, 251},
+                {{"Background", Whole}, {"Gradient", {0, 0, 392, 290}}, {"Header", {4, 5, 396, 29}},
+                 {"Footer", {4, 271, 396, 295}}, {"BottomAxis", {34, 39, 386, 271}},
+                 {"LeftAxis", {4, 39, 386, 251}}},
+                {"TopAxis", "RightAxis", "ChartBackground", "Foreground", "Legend", "ChartShadow"}},
+    TLayoutCase{"AllAxesAndLayers",
+                [](TPanelPtr P) {
+                  for (TKXChartGraphic* G : std::initializer_list<TKXChartGraphic*>{
+                           P->TopAxis(), P->RightAxis(), P->ChartBackground(), P->Foreground()})
+                    G->SetVisible(true);
+                },
+                {34, 44, 371, 251},
+                {{"ChartBackground", {34, 44, 371, 251}}, {"BottomAxis", {34, 44, 371, 271}},
+                 {"TopAxis", {34, 29, 371, 251}}, {"LeftAxis", {4, 44, 371, 251}},
+                 {"RightAxis", {34, 44, 396, 251}}, {"Foreground", Whole}}, {}},
+    TLayoutCase{"HiddenAxesKeepTen",
+                [](TPanelPtr P) {
+                  P->LeftAxis()->SetVisible(false);
+                  P->BottomAxis()->SetVisible(false);
+                },
+                {14, 39, 386, 261}, {}, {"LeftAxis", "BottomAxis"}},
+    TLayoutCase{"InwardAxesKeepTen",
+                [](TPanelPtr P) {
+                  P->LeftAxis()->SetInwardPosition(50);
+                  P->BottomAxis()->SetInwardPosition(20);
+                },
+                {14, 39, 386, 261},
+                {{"LeftAxis", {4, 39, 386, 261}}, {"BottomAxis", {14, 39, 386, 271}}}, {}},
+    TLayoutCase{"NoHeaderOrFooter",
+                [](TPanelPtr P) { P->Header()->SetVisible(false); P->Footer()->SetVisible(false); },
+                {34, 15, 386, 275}, {}, {"Header", "Footer"}},
+    TLayoutCase{"TallHeaderAndFooter",
+                [](TPanelPtr P) { P->Header()->SetHeight(40); P->Footer()->SetHeight(31); },
+                {34, 55, 386, 244},
+                {{"Header", {4, 5, 396, 45}}, {"Footer", {4, 264, 396, 295}}}, {}},
+    TLayoutCase{"WiderMargins", [](TPanelPtr P) { P->Margins()->SetRect({10, 20, 30, 40}); },
+                {41, 55, 359, 215},
+                {{"Background", {11, 21, 369, 259}}, {"Header", {11, 21, 369, 45}}}, {}},
+    TLayoutCase{"FrameOfBevelsAndBorder",
+                [](TPanelPtr P) {
+                  P->SetBevelInner(bvLowered);
+                  P->SetBevelWidth(2);
+                  P->SetBorderStyle(bsSingle);
+                  P->SetBorderWidth(3);
+                },
+                {40, 45, 380, 245}, {{"Background", {10, 11, 390, 289}}}, {}},
+    TLayoutCase{"BorderWidthWithoutBorderStyleTakesNoRoom",
+                [](TPanelPtr P) { P->SetBorderWidth(5); }, {34, 39, 386, 251}, {}, {}},
+    TLayoutCase{"HiddenLegendTakesNoRoom",
+                [](TPanelPtr P) {
+                  auto L = MakeOwned<TStringList>();
+                  L->Add("One");
+                  P->Legend()->SetFixed(true);
+                  P->Legend()->SetLines(L.get());
+                  P->Legend()->SetVisible(false);
+                },
+                {34, 39, 386, 251}, {}, {"Legend"}}),
     [](const testing::TestParamInfo<TLayoutCase>& I) { return std::string(I.param.Name); });
+// clang-format on
 
 TEST_F(ChartPanelLayout, ALegendTakesItsRoomAtEachSideAndAnOverlayTakesNone) {
   SetLegendLines({"Apples", "Bananas", "Cherries"});
