@@ -73,6 +73,14 @@ KX_RECORDING_CHART(TRecAreaChart, TKXAreaChart)
 
 #undef KX_RECORDING_CHART
 
+// Fixes an axis on Lo..Hi, whatever range it had.
+inline void SetRange(TKXChartAxis* Axis, double Lo, double Hi) {
+  Axis->SetOptions(Axis->Options() - aoAutoMinimum - aoAutoMaximum);
+  Axis->SetMaximum(Hi);
+  Axis->SetMinimum(Lo);
+  Axis->SetMaximum(Hi);
+}
+
 // Puts both axes of the chart on 0..10.
 inline void FixAxes(TKXCustomChart* Chart, double Max = 10.0) {
   for (TKXChartAxis* A : {Chart->HorizontalAxis(), Chart->VerticalAxis()}) {

@@ -10,35 +10,25 @@
 #include <stdexcept>
 #include <vector>
 
+#include "charts/KXChartsTestSupport.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
 #include "support/KXBitmapProbe.h"
 
 namespace kx {
 namespace {
 
+using test::SetRange;
+using test::TChartsForm;
+
 using test::CountPixels;
 using test::MakeBitmap;
 using test::PaintedBounds;
 using test::PixelBytes;
 
-class TBarsForm : public TComponent {
-  KX_CLASS(TBarsForm, TComponent)
-
-public:
-  using TComponent::TComponent;
-};
-
 constexpr TColor Ink = clRed;
 
 bool IsInk(TColor C) {
   return test::Near(C, Ink, 30);
-}
-
-void SetRange(TKXChartAxis* Axis, double Lo, double Hi) {
-  Axis->SetOptions(Axis->Options() - aoAutoMinimum - aoAutoMaximum);
-  Axis->SetMaximum(Hi);
-  Axis->SetMinimum(Lo);
-  Axis->SetMaximum(Hi);
 }
 
 // A red bar chart with a black pen alone on its axes: the index axis shows -0.5..Count-0.5
@@ -48,7 +38,7 @@ class BarsAlone : public testing::Test {
 protected:
   void SetUp() override {
     ColorListIndex = 0;
-    Form.reset(New<TBarsForm>(nullptr));
+    Form.reset(New<TChartsForm>(nullptr));
     Chart = New<TKXBarChart>(Form.get());
     Chart->SetOptions(Chart->Options() - coValueColors - coValueLabels);
     Chart->SetColor(Ink);
@@ -71,7 +61,7 @@ protected:
   }
   int32_t Inked(const TRect& Area) const { return CountPixels(Bitmap.get(), Area, IsInk); }
 
-  TOwned<TBarsForm> Form;
+  TOwned<TChartsForm> Form;
   TKXBarChart* Chart = nullptr;
   TOwned<TBitmap> Bitmap;
 };
@@ -200,7 +190,7 @@ class BarsPaintedInAPanel : public testing::Test {
 protected:
   void SetUp() override {
     ColorListIndex = 0;
-    Form.reset(New<TBarsForm>(nullptr));
+    Form.reset(New<TChartsForm>(nullptr));
     Panel = New<TKXChartPanel>(Form.get());
     Panel->SetBounds(0, 0, 200, 200);
   }
@@ -219,7 +209,7 @@ protected:
     Panel->DrawCharts(Bitmap->Canvas(), {0, 0, 100, 100});
     return Bitmap.get();
   }
-  TOwned<TBarsForm> Form;
+  TOwned<TChartsForm> Form;
   TKXChartPanel* Panel = nullptr;
   TOwned<TBitmap> Bitmap;
 };

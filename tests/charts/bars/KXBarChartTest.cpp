@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "charts/KXChartsTestSupport.h"
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
@@ -18,27 +19,15 @@
 namespace kx {
 namespace {
 
-class TBarsForm : public TComponent {
-  KX_CLASS(TBarsForm, TComponent)
-
-public:
-  using TComponent::TComponent;
-};
-
-// Fixes an axis on Lo..Hi, whatever range it had.
-void SetRange(TKXChartAxis* Axis, double Lo, double Hi) {
-  Axis->SetOptions(Axis->Options() - aoAutoMinimum - aoAutoMaximum);
-  Axis->SetMaximum(Hi);
-  Axis->SetMinimum(Lo);
-  Axis->SetMaximum(Hi);
-}
+using test::SetRange;
+using test::TChartsForm;
 
 // A panel with bar charts of one group; rectangles are asked for on (0, 0, 100, 100).
 class BarsInAPanel : public testing::Test {
 protected:
   void SetUp() override {
     ColorListIndex = 0;
-    Form.reset(New<TBarsForm>(nullptr));
+    Form.reset(New<TChartsForm>(nullptr));
     Panel = New<TKXChartPanel>(Form.get());
     Panel->SetBounds(0, 0, 300, 200);
   }
@@ -54,7 +43,7 @@ protected:
     return C->GetBarRect(Plot, C->Values()->Items(I));
   }
   const TRect Plot{0, 0, 100, 100};
-  TOwned<TBarsForm> Form;
+  TOwned<TChartsForm> Form;
   TKXChartPanel* Panel = nullptr;
 };
 
@@ -235,7 +224,7 @@ TEST_F(BarsInAPanel, AnOrientationReachesTheBarChartsOfItsGroupAndKeepsThePrevie
 // --- Properties ---
 
 TEST(BarChart, SettersClampAndKeepTheirRules) {
-  TOwned<TBarsForm> Form(New<TBarsForm>(nullptr));
+  TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
   auto* C = New<TKXBarChart>(Form.get());
   EXPECT_EQ(C->BarSizePct(), 70);
   EXPECT_EQ(C->Orientation(), boVertical);
@@ -263,7 +252,7 @@ TEST(BarChart, SettersClampAndKeepTheirRules) {
 }
 
 TEST(BarChart, CaptionsStandOnTheIndexAxisAndTheValueAxisFormatsItsNumbers) {
-  TOwned<TBarsForm> Form(New<TBarsForm>(nullptr));
+  TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
   auto* Panel = New<TKXChartPanel>(Form.get());
   auto* C = New<TKXBarChart>(Form.get());
   C->SetPanel(Panel);
@@ -282,7 +271,7 @@ TEST(BarChart, CaptionsStandOnTheIndexAxisAndTheValueAxisFormatsItsNumbers) {
 }
 
 TEST(BarChart, AZoomedSortedIndexAxisCutsTheSpanByIndex) {
-  TOwned<TBarsForm> Form(New<TBarsForm>(nullptr));
+  TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
   auto* C = New<TKXBarChart>(Form.get());
   for (int I = 0; I < 10; ++I)
     C->Values()->Add(I, "");
@@ -335,8 +324,8 @@ TEST_F(BarsInAPanel, SelectionHitsTheBarsItsRectangleTouchesAndSkipsHiddenValues
 TEST(BarChart, RegistersAsTheBarKindAndRoundTripsItsSettingsButNotItsPreview) {
   StartBarChartsModule();
   EXPECT_EQ(GetChartClass(ctBar), ClassOf<TKXBarChart>());
-  RegisterClasses({ClassOf<TBarsForm>()});
-  TOwned<TBarsForm> Form(New<TBarsForm>(nullptr));
+  RegisterClasses({ClassOf<TChartsForm>()});
+  TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
   Form->SetName("Form1");
   auto* C = New<TKXBarChart>(Form.get());
   C->SetName("Bars1");
@@ -358,7 +347,7 @@ TEST(BarChart, RegistersAsTheBarKindAndRoundTripsItsSettingsButNotItsPreview) {
   V->SetStyle(bsArrow);
   V->SetParentStyle(true);
   C->Values()->Add(7, "y")->SetStyle(bsGradient);
-  TOwned<TBarsForm> Copy(New<TBarsForm>(nullptr));
+  TOwned<TChartsForm> Copy(New<TChartsForm>(nullptr));
   LoadFormFromString(Copy.get(), SaveFormToString(Form.get()));
   auto* C2 = dynamic_cast<TKXBarChart*>(Copy->FindComponent("Bars1"));
   ASSERT_NE(C2, nullptr);

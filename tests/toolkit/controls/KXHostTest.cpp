@@ -125,32 +125,21 @@ TEST_P(HostClick, ReachesTheDeepestControlWithButtonShiftAndClientPoint) {
   EXPECT_EQ(Log, C.Heard);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Points, HostClick,
-    testing::Values(
-        TClickCase{{135, 95},
-                   mbLeft,
-                   {},
-                   {"Box down mbLeft [ssLeft] 5,5", "Box up mbLeft [] 5,5", "Box click"}},
-        TClickCase{{135, 95},
-                   mbRight,
-                   {ssShift, ssCtrl},
-                   {"Box down mbRight [ssShift,ssCtrl,ssRight] 5,5",
-                    "Box up mbRight [ssShift,ssCtrl] 5,5"}},
-        TClickCase{
-            {111, 61},
-            mbLeft,
-            {ssAlt},
-            {"Panel down mbLeft [ssAlt,ssLeft] 1,1", "Panel up mbLeft [ssAlt] 1,1", "Panel click"}},
-        TClickCase{{389, 99},
-                   mbMiddle,
-                   {},
-                   {"Side down mbMiddle [ssMiddle] 39,39", "Side up mbMiddle [] 39,39"}},
-        TClickCase{{390, 99}, mbLeft, {}, {}}, // the form itself logs nothing
-        TClickCase{{99, 49}, mbLeft, {}, {}}),
-    [](const testing::TestParamInfo<TClickCase>& Info) {
-      return "Case" + std::to_string(Info.index);
-    });
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Points, HostClick, testing::Values(
+    TClickCase{{135, 95}, mbLeft, {},
+               {"Box down mbLeft [ssLeft] 5,5", "Box up mbLeft [] 5,5", "Box click"}},
+    TClickCase{{135, 95}, mbRight, {ssShift, ssCtrl},
+               {"Box down mbRight [ssShift,ssCtrl,ssRight] 5,5",
+                "Box up mbRight [ssShift,ssCtrl] 5,5"}},
+    TClickCase{{111, 61}, mbLeft, {ssAlt},
+               {"Panel down mbLeft [ssAlt,ssLeft] 1,1", "Panel up mbLeft [ssAlt] 1,1",
+                "Panel click"}},
+    TClickCase{{389, 99}, mbMiddle, {},
+               {"Side down mbMiddle [ssMiddle] 39,39", "Side up mbMiddle [] 39,39"}},
+    TClickCase{{390, 99}, mbLeft, {}, {}}, // the form itself logs nothing
+    TClickCase{{99, 49}, mbLeft, {}, {}}));
+// clang-format on
 
 TEST_F(Host, AControlThatDeclinesTheMousePassesItToItsParent) {
   Box->TakesMouse = false;
