@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "kxcharts/toolkit/graphics/KXBitmap.h"
+#include "kxcharts/toolkit/controls/KXSavePicture.h"
 
 namespace kx::gallery {
 
@@ -64,14 +64,9 @@ void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area) 
 void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder) {
   std::filesystem::create_directories(Folder);
   for (const TGallerySheet& Sheet : Sheets) {
-    TOwned<TBitmap> Png = MakeOwned<TBitmap>();
-    Png->SetSize(Sheet.Width, Sheet.Height);
-    PaintSheet(Sheet, Png->Canvas());
-    Png->SaveToFile((Folder / (Sheet.FileName + ".png")).string());
-    TOwned<TCanvas> Svg =
-        CreateSvgCanvas((Folder / (Sheet.FileName + ".svg")).string(), Sheet.Width, Sheet.Height);
-    PaintSheet(Sheet, Svg.get());
-    Svg->Finish();
+    const TPicturePainter Paint = [&Sheet](TCanvas* Canvas) { PaintSheet(Sheet, Canvas); };
+    for (const char* Extension : {".png", ".svg"})
+      SavePicture(Paint, Sheet.Width, Sheet.Height, Folder / (Sheet.FileName + Extension));
   }
   const std::filesystem::path IndexPath = Folder / "index.html";
   std::ofstream Index(IndexPath);

@@ -22,9 +22,10 @@ struct TGallerySheet {
   std::function<void(TCanvas* Canvas, const TRect& Area)> Paint;
 };
 
-// Writes every sheet as FileName.png and FileName.svg into Folder, and an index.html that
-// shows them with their captions, and the screenshot of the interactive demo when Folder
-// holds one (DemoScreenshot, written by `./kx demo --screenshot`). Raises an Exception naming the file that cannot be written.
+// Writes every sheet as FileName.png and FileName.svg into Folder (through SavePicture), and
+// an index.html that shows them with their captions, and the screenshot of the interactive
+// demo when Folder holds one (DemoScreenshot, written by `./kx demo --screenshot`). Raises an
+// Exception naming the file that cannot be written.
 void WriteGallery(const std::vector<TGallerySheet>& Sheets, const std::filesystem::path& Folder);
 
 // Paints Panel at its own size with its top left at that of Area, through the panel's own
@@ -44,5 +45,6 @@ void AddLineSheets(std::vector<TGallerySheet>& Sheets);
 void AddAxisSheets(std::vector<TGallerySheet>& Sheets);
 void AddPanelSheets(std::vector<TGallerySheet>& Sheets);
 void AddInteractionSheets(std::vector<TGallerySheet>& Sheets);
+void AddSavePictureSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

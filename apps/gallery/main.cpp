@@ -21,6 +21,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddAxisSheets(Sheets);
   kx::gallery::AddPanelSheets(Sheets);
   kx::gallery::AddInteractionSheets(Sheets);
+  kx::gallery::AddSavePictureSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {
