@@ -51,13 +51,12 @@ void PaintSaved(TCanvas* C, const TRect& Area) {
     Outline(C, {X, Top, X + S.cx, Top + S.cy}, clWhite);
     const size_t Svg = SavePictureToBytes(Panel, pkSvg, S.cx, S.cy).size();
     const size_t Pdf = SavePictureToBytes(Panel, pkPdf, S.cx, S.cy).size();
-    const std::string Lines[] = {
-        "SavePictureToBytes(Panel, pkPng, " + std::to_string(S.cx) + ", " +
-            std::to_string(S.cy) + ")",
-        "the same as SVG: " + std::to_string(Svg / 1024) + " KB, as PDF: " +
-            std::to_string(Pdf / 1024) + " KB",
-        "the panel is " + std::to_string(Panel->Width()) + " x " +
-            std::to_string(Panel->Height()) + " again afterwards"};
+    const std::string Lines[] = {"SavePictureToBytes(Panel, pkPng, " + std::to_string(S.cx) + ", " +
+                                     std::to_string(S.cy) + ")",
+                                 "the same as SVG: " + std::to_string(Svg / 1024) +
+                                     " KB, as PDF: " + std::to_string(Pdf / 1024) + " KB",
+                                 "the panel is " + std::to_string(Panel->Width()) + " x " +
+                                     std::to_string(Panel->Height()) + " again afterwards"};
     ResetCanvas(C, clWhite);
     C->Brush()->SetStyle(bsClear);
     int32_t Y = Top + S.cy + 6;

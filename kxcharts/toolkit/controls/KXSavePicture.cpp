@@ -70,11 +70,10 @@ public:
       : FControl(Control), FOld(Control->BoundsRect()) {
     const int32_t W = Width > 0 ? Width : FOld.Width(), H = Height > 0 ? Height : FOld.Height();
     if (W < 1 || H < 1) {
-      const std::string Name = Control->Name().empty() ? "a " + Control->ClassName()
-                                                       : Control->Name();
-      throw EInvalidGraphic("Cannot save a picture of " + Name + ", which is " +
-                            SizeText(W, H) + " pixels: give it a size (SetBounds) or " +
-                            "pass one to SavePicture");
+      const std::string Name =
+          Control->Name().empty() ? "a " + Control->ClassName() : Control->Name();
+      throw EInvalidGraphic("Cannot save a picture of " + Name + ", which is " + SizeText(W, H) +
+                            " pixels: give it a size (SetBounds) or " + "pass one to SavePicture");
     }
     CheckSize(W, H);
     if (W != FOld.Width() || H != FOld.Height()) FControl->SetBounds(FOld.Left, FOld.Top, W, H);
@@ -123,8 +122,8 @@ TPictureKind PictureKindOf(const std::filesystem::path& FileName) {
                         "\": end it in .png, .svg or .pdf");
 }
 
-std::vector<uint8_t> SavePictureToBytes(const TPicturePainter& Paint, int32_t Width,
-                                        int32_t Height, TPictureKind Kind) {
+std::vector<uint8_t> SavePictureToBytes(const TPicturePainter& Paint, int32_t Width, int32_t Height,
+                                        TPictureKind Kind) {
   CheckSize(Width, Height);
   if (Kind != pkPng) return PaintVector(Paint, Width, Height, Kind);
   TOwned<TBitmap> Bitmap = MakeOwned<TBitmap>();

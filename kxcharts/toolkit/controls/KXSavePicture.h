@@ -36,16 +36,16 @@ TPictureKind PictureKindOf(const std::filesystem::path& FileName);
 // FileName says. Raises EInvalidGraphic for a size below 1 x 1 or above what the kind
 // holds (32767 either way; a PNG also at most 2^28 pixels), and naming the file when it
 // cannot be written.
-std::vector<uint8_t> SavePictureToBytes(const TPicturePainter& Paint, int32_t Width,
-                                        int32_t Height, TPictureKind Kind);
+std::vector<uint8_t> SavePictureToBytes(const TPicturePainter& Paint, int32_t Width, int32_t Height,
+                                        TPictureKind Kind);
 void SavePicture(const TPicturePainter& Paint, int32_t Width, int32_t Height,
                  const std::filesystem::path& FileName);
 
 // What Control shows, with everything placed on it, as a window showing it alone would show
 // it. A Width or Height of 0 keeps the control's own; another size lays the control out at
 // that size for the picture and gives it its own size back afterwards.
-std::vector<uint8_t> SavePictureToBytes(TControl* Control, TPictureKind Kind,
-                                        int32_t Width = 0, int32_t Height = 0);
+std::vector<uint8_t> SavePictureToBytes(TControl* Control, TPictureKind Kind, int32_t Width = 0,
+                                        int32_t Height = 0);
 void SavePicture(TControl* Control, const std::filesystem::path& FileName, int32_t Width = 0,
                  int32_t Height = 0);
 

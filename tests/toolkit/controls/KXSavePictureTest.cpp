@@ -18,15 +18,6 @@ std::string Text(const std::vector<uint8_t>& Bytes, size_t Count) {
   return std::string(Bytes.begin(), Bytes.begin() + std::min(Count, Bytes.size()));
 }
 
-std::string Message(const std::function<void()>& Step) {
-  try {
-    Step();
-  } catch (const EInvalidGraphic& E) {
-    return E.Message();
-  }
-  return "(nothing raised)";
-}
-
 TOwned<TBitmap> Decoded(const std::vector<uint8_t>& Png) {
   TOwned<TBitmap> B = MakeOwned<TBitmap>();
   B->LoadFromBytes(Png);
@@ -92,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(, SavePictureKinds,
 
 TEST(SavePicture, AnUnknownExtensionSaysWhichOnesThereAre) {
   for (const char* Name : {"chart.jpeg", "chart", "png"}) {
-    const std::string M = Message([&] { PictureKindOf(Name); });
+    const std::string M = test::MessageOf<EInvalidGraphic>([&] { PictureKindOf(Name); });
     EXPECT_NE(M.find(Name), std::string::npos) << M;
     EXPECT_NE(M.find(".png, .svg or .pdf"), std::string::npos) << M;
   }
@@ -124,7 +115,8 @@ TEST(SavePicture, SizesOutsideOneTo32767AreRefusedWithTheSizeGiven) {
   const TPicturePainter Nothing = [](TCanvas*) {};
   for (TPictureKind Kind : {pkPng, pkSvg, pkPdf})
     for (const TSize S : {TSize{0, 10}, TSize{10, -5}, TSize{40000, 10}}) {
-      const std::string M = Message([&] { SavePictureToBytes(Nothing, S.cx, S.cy, Kind); });
+      const std::string M =
+          test::MessageOf<EInvalidGraphic>([&] { SavePictureToBytes(Nothing, S.cx, S.cy, Kind); });
       EXPECT_NE(M.find(std::to_string(S.cx) + " x " + std::to_string(S.cy)), std::string::npos)
           << M;
     }
@@ -167,7 +159,8 @@ TEST(SavePicture, AGraphicControlIsSavedAlone) {
 TEST(SavePicture, AControlWithoutASizeSaysWhichOneAndWhatToDo) {
   TStripForm F;
   F.Panel->SetBounds(0, 0, 0, 50);
-  const std::string M = Message([&] { SavePictureToBytes(F.Panel, pkPng); });
+  const std::string M =
+      test::MessageOf<EInvalidGraphic>([&] { SavePictureToBytes(F.Panel, pkPng); });
   EXPECT_NE(M.find("Board"), std::string::npos) << M;
   EXPECT_NE(M.find("SetBounds"), std::string::npos) << M;
   EXPECT_NO_THROW(SavePictureToBytes(F.Panel, pkPng, 10, 10));
@@ -187,7 +180,7 @@ TEST(SavePicture, AFileThatCannotBeWrittenIsNamed) {
   test::TTempDir Dir;
   const auto Missing = Dir / "no-such-folder" / "chart.png";
   TStripForm F;
-  const std::string M = Message([&] { SavePicture(F.Panel, Missing); });
+  const std::string M = test::MessageOf<EInvalidGraphic>([&] { SavePicture(F.Panel, Missing); });
   EXPECT_NE(M.find(Missing.string()), std::string::npos) << M;
 }
 
