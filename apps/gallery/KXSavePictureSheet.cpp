@@ -35,6 +35,7 @@ void PaintSaved(TCanvas* C, const TRect& Area) {
   Panel->SetParent(Form.get());
   Panel->SetBounds(0, 0, 800, 480);
   Panel->Header()->SetText("Visitors in March");
+  Panel->Footer()->SetText("day");
   auto* Visitors = New<TKXLineChart>(Form.get());
   Visitors->SetPanel(Panel);
   Visitors->Values()->SetDateTimeAxes({xyX});
