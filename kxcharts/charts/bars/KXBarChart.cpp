@@ -369,11 +369,11 @@ bool TKXCustomBarChart::ClusterSlot(int32_t& Slot, int32_t& Slots) const {
 
 // --- TKXCustomBarChart: bar rectangles ---
 
-int32_t TKXCustomBarChart::AxisPixel(const TKXChartAxis* Axis, double Value,
-                                     const TRect& ARect) const {
-  for (const TPixelCache& C : FPixels)
-    if (C.Axis == Axis && C.Rect == ARect) return C.Map.Pixel(Value);
-  return Axis->AxisToPixel(Value, ARect);
+TKXCustomBarChart::TAxisPixels::TAxisPixels(const TKXCustomBarChart* Chart,
+                                            const TKXChartAxis* Axis, const TRect& ARect)
+    : FAxis(Axis), FRect(ARect) {
+  for (TPixelCache& C : Chart->FPixels)
+    if (C.Axis == Axis && C.Rect == ARect) FCache = &C;
 }
 
 TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* Value) const {
@@ -385,12 +385,11 @@ TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* 
                                     const TKXCustomChart* PrevChart, double BarHalfSize,
                                     double Origin, double Offset) const {
   const TKXChartAxis* Index = IndexAxis();
-  const TKXChartAxis* Along = ValueAxis();
-  if (!Index || !Along) return {};
+  const TKXChartAxis* ValueAxis = this->ValueAxis();
+  if (!Index || !ValueAxis) return {};
   const int32_t I = Value->Index();
   const double V = Value->Value();
-  const TKXCustomChartClass Kind = ChartClass();
-  const double Cum = PrevChart ? PrevChart->GetCumulativeValue(I, 0, Kind) : 0.0;
+  const double Cum = PrevChart ? PrevChart->GetCumulativeValue(I, 0, ChartClass()) : 0.0;
   double E1, E2;
   switch (FGroupStyle) {
   case gsStacked:
@@ -398,8 +397,8 @@ TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* 
     E2 = Offset + std::max(Cum, Origin);
     break;
   case gsStacked100: {
-    const double Total = GetCumulativeTotal(I, 0, Kind);
-    const double Min = Along->Minimum(), Span = Along->Maximum() - Min;
+    const double Total = GetCumulativeTotal(I, 0, ChartClass());
+    const double Min = ValueAxis->Minimum(), Span = ValueAxis->Maximum() - Min;
     if (Total == 0.0 || !std::isfinite(Total)) {
       // Shares of nothing: the bar has no length, where the axis starts.
       E1 = E2 = Min;
@@ -421,19 +420,21 @@ TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* 
   }
   double Centre = I, Half = BarHalfSize;
   int32_t Slot = 0, Slots = 1;
-  if (ClusterSlot(Slot, Slots)) {
+  if (FClustered && ClusterSlot(Slot, Slots)) {
     Half = BarHalfSize / Slots;
     Centre = I - BarHalfSize + (2 * Slot + 1) * Half;
   }
-  const int32_t S1 = AxisPixel(Index, Centre - Half, ARect);
-  int32_t S2 = AxisPixel(Index, Centre + Half, ARect);
+  const TAxisPixels Across(this, Index, ARect), Along(this, ValueAxis, ARect);
+  const int32_t S1 = Across(Centre - Half);
+  int32_t S2 = Across(Centre + Half);
   // A bar narrower than a pixel keeps one: dense bars would otherwise vanish, or show as a
   // picket fence of those whose edges happen to round apart.
   if (S2 == S1) ++S2;
-  const int32_t P1 = AxisPixel(Along, E1, ARect);
-  const int32_t P2 = AxisPixel(Along, E2, ARect);
-  return FOrientation == boVertical ? FixRect(TRect{S1, P1, S2, P2})
-                                    : FixRect(TRect{P1, S1, P2, S2});
+  const int32_t P1 = Along(E1);
+  const int32_t P2 = Along.Repeated(E2);
+  const auto [Lo, Hi] = std::minmax(S1, S2);
+  const auto [Near, Far] = std::minmax(P1, P2);
+  return FOrientation == boVertical ? TRect{Lo, Near, Hi, Far} : TRect{Near, Lo, Far, Hi};
 }
 
 TBarChartStyle TKXCustomBarChart::GetBarStyle(const TKXBarChartValue* Value) const {
@@ -509,7 +510,8 @@ void TKXCustomBarChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
   const bool Silent = !FOnCustomDrawValue && !Labels;
   // One-pixel rectangles go out per column when nothing else is drawn with them and the
   // chart's pen paints them whole (one pixel wide, solid, copied) or not at all.
-  TBarColumns Columns(Canvas, FOrientation == boVertical);
+  const bool Standing = FOrientation == boVertical;
+  TBarColumns Columns(Canvas, Standing);
   bool Reduce = Silent && !Shadow;
   bool PenPaints = false;
   TColor PenColor = clBlack;
@@ -527,13 +529,14 @@ void TKXCustomBarChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     TRect R = GetBarRect(ARect, Value, Prev, BarHalfSize, Origin, Offset);
     if (Value->Scale() != 1.0f) {
       const double Grow = Value->Scale() - 1.0;
-      R = ScaleRect(R, std::abs(KXRectWidth(R)) * Grow, std::abs(KXRectHeight(R)) * Grow);
+      R = FixRect(ScaleRect(R, std::abs(KXRectWidth(R)) * Grow, std::abs(KXRectHeight(R)) * Grow));
     }
-    if (Silent && FixRect(R).IsEmpty() && GetBarStyle(Value) != bsArrow) continue;
-    if (Reduce && !Value->Selected() && GetBarStyle(Value) == bsRectangle) {
-      const TRect F = FixRect(R);
-      if ((FOrientation == boVertical ? F.Width() : F.Height()) == 1) {
-        Columns.Add(F, PenPaints ? PenColor : GetColor(Value));
+    if (Silent) {
+      const TBarChartStyle Style = GetBarStyle(Value);
+      if (R.IsEmpty() && Style != bsArrow) continue;
+      if (Reduce && Style == bsRectangle && !Value->Selected() &&
+          (Standing ? R.Width() : R.Height()) == 1) {
+        Columns.Add(R, PenPaints ? PenColor : GetColor(Value));
         continue;
       }
     }
@@ -595,8 +598,9 @@ bool TKXCustomBarChart::WantsCaptions(const TKXChartAxis* Axis) const {
 std::string TKXCustomBarChart::GetAxisCaption(const TKXChartAxis* Axis, int32_t& Index,
                                               double Value) const {
   if (Axis && Axis->Dimension() == FOrientation) return Axis->FormatValue(Value);
-  while (Index > 0 && Value < Index)
-    --Index;
+  // Index walks down while it lies above Value: to the whole part of Value, at once, since
+  // an axis of a hundred thousand bars asks once per label.
+  if (Index > 0 && Value < Index) Index = Value >= 1.0 ? static_cast<int32_t>(Value) : 0;
   if (Index < 0 || Index >= FValues->Count()) return "";
   return FValues->Items(Index)->Caption();
 }

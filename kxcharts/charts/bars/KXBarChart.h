@@ -18,6 +18,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 
 #include "kxcharts/axes/KXChartAxis.h"
@@ -183,6 +184,9 @@ private:
     const TKXChartAxis* Axis = nullptr;
     TRect Rect{};
     TKXLinearPixels Map;
+    // The last value mapped and its pixel: the base of every bar is one value.
+    double Last = std::numeric_limits<double>::quiet_NaN();
+    int32_t LastPixel = 0;
   };
   mutable std::array<TPixelCache, 2> FPixels;
 
@@ -293,9 +297,28 @@ protected:
   void InternalDraw(TCanvas* Canvas, const TRect& ARect) override;
   void Notification(TComponent* AComponent, TOperation Operation) override;
 
-  // The pixel of Value on Axis in ARect, through the mapping taken for this draw when there
-  // is one.
-  int32_t AxisPixel(const TKXChartAxis* Axis, double Value, const TRect& ARect) const;
+  // Where Axis puts values in ARect: the mapping taken for this draw when there is one.
+  class TAxisPixels {
+  public:
+    TAxisPixels(const TKXCustomBarChart* Chart, const TKXChartAxis* Axis, const TRect& ARect);
+    int32_t operator()(double Value) const {
+      return FCache ? FCache->Map.Pixel(Value) : FAxis->AxisToPixel(Value, FRect);
+    }
+    // The same for a value that repeats from bar to bar.
+    int32_t Repeated(double Value) const {
+      if (!FCache) return FAxis->AxisToPixel(Value, FRect);
+      if (Value != FCache->Last) {
+        FCache->Last = Value;
+        FCache->LastPixel = FCache->Map.Pixel(Value);
+      }
+      return FCache->LastPixel;
+    }
+
+  private:
+    const TKXChartAxis* FAxis;
+    const TRect& FRect;
+    TPixelCache* FCache = nullptr;
+  };
   // The predecessor in a stacked group in the panel, or nil.
   const TKXCustomChart* StackPrevious() const;
 
