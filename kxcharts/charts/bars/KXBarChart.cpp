@@ -301,14 +301,6 @@ void TKXCustomBarChart::SetClustered(bool Value) {
 
 // --- TKXCustomBarChart: axes, origin and stacks ---
 
-TKXChartAxis* TKXCustomBarChart::IndexAxis() const {
-  return FOrientation == boVertical ? FHorizontalAxis : FVerticalAxis;
-}
-
-TKXChartAxis* TKXCustomBarChart::ValueAxis() const {
-  return FOrientation == boVertical ? FVerticalAxis : FHorizontalAxis;
-}
-
 int32_t TKXCustomBarChart::GetGroupDimension() const {
   return FOrientation;
 }
@@ -368,13 +360,6 @@ bool TKXCustomBarChart::ClusterSlot(int32_t& Slot, int32_t& Slots) const {
 }
 
 // --- TKXCustomBarChart: bar rectangles ---
-
-TKXCustomBarChart::TAxisPixels::TAxisPixels(const TKXCustomBarChart* Chart,
-                                            const TKXChartAxis* Axis, const TRect& ARect)
-    : FAxis(Axis), FRect(ARect) {
-  for (TPixelCache& C : Chart->FPixels)
-    if (C.Axis == Axis && C.Rect == ARect) FCache = &C;
-}
 
 TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* Value) const {
   return GetBarRect(ARect, Value, StackPrevious(), FBarSizePct / 200.0, GetAdjOrigin(),

@@ -236,8 +236,12 @@ public:
 
   // The axis the bars stand along (the horizontal one for boVertical) and the one their
   // numbers run along.
-  TKXChartAxis* IndexAxis() const;
-  TKXChartAxis* ValueAxis() const;
+  TKXChartAxis* IndexAxis() const {
+    return FOrientation == boVertical ? FHorizontalAxis : FVerticalAxis;
+  }
+  TKXChartAxis* ValueAxis() const {
+    return FOrientation == boVertical ? FVerticalAxis : FHorizontalAxis;
+  }
   // Where bars start: the vertical axis's grid Origin with UseOrigin, else 0. In a stacked
   // group the first bar chart of the group decides for all of it.
   double GetAdjOrigin() const;
@@ -300,7 +304,11 @@ protected:
   // Where Axis puts values in ARect: the mapping taken for this draw when there is one.
   class TAxisPixels {
   public:
-    TAxisPixels(const TKXCustomBarChart* Chart, const TKXChartAxis* Axis, const TRect& ARect);
+    TAxisPixels(const TKXCustomBarChart* Chart, const TKXChartAxis* Axis, const TRect& ARect)
+        : FAxis(Axis), FRect(ARect) {
+      for (TPixelCache& C : Chart->FPixels)
+        if (C.Axis == Axis && C.Rect == ARect) FCache = &C;
+    }
     int32_t operator()(double Value) const {
       return FCache ? FCache->Map.Pixel(Value) : FAxis->AxisToPixel(Value, FRect);
     }
