@@ -406,11 +406,7 @@ void TKXCustomChartPanel::DrawGradient(TCanvas* Canvas, const TRect& Whole) {
     if (FGradient->Opacity() < 1.0f) {
       // A translucent gradient must let what lies beneath show through the copy, so the
       // buffer starts clear rather than white.
-      cairo_t* Cr = Buffer->Canvas()->Handle();
-      cairo_save(Cr);
-      cairo_set_operator(Cr, CAIRO_OPERATOR_CLEAR);
-      cairo_paint(Cr);
-      cairo_restore(Cr);
+      Buffer->Canvas()->ClearRect({0, 0, Buffer->Width(), Buffer->Height()});
     }
     FGradient->Draw(Buffer->Canvas(),
                     TRect{0, 0, static_cast<int32_t>(W), static_cast<int32_t>(H)});
