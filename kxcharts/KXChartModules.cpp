@@ -7,7 +7,7 @@
 
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
-#include "kxcharts/core/KXCustomChart.h"
+#include "kxcharts/core/KXChartRegistry.h"
 
 namespace kx {
 

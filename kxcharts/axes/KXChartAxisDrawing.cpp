@@ -6,6 +6,7 @@
 
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/core/KXChartList.h"
 #include "kxcharts/core/KXChartValues.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/toolkit/runtime/KXDateUtils.h"

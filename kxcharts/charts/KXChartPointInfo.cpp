@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 

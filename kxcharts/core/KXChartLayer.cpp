@@ -117,11 +117,7 @@ TGraphic* TKXChartLayer::PaintableGraphic() {
   // then on, so that tiles and zoomed copies cost a bitmap copy each.
   TOwned<TBitmap> B = MakeOwned<TBitmap>();
   B->SetSize(G->Width(), G->Height());
-  cairo_t* Cr = B->Canvas()->Handle();
-  cairo_save(Cr);
-  cairo_set_operator(Cr, CAIRO_OPERATOR_CLEAR);
-  cairo_paint(Cr);
-  cairo_restore(Cr);
+  B->Canvas()->ClearRect({0, 0, B->Width(), B->Height()});
   B->Canvas()->Draw(0, 0, G);
   B->SetTransparent(G->Transparent());
   FImage->SetGraphic(B.get());

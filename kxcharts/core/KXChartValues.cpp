@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/toolkit/runtime/KXFormat.h"
 #include "kxcharts/toolkit/graphics/KXGraphics.h"

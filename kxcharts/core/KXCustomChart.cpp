@@ -2,125 +2,21 @@
 
 #include <algorithm>
 #include <cmath>
-#include <mutex>
 
 #include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/core/KXChartLayout.h"
+#include "kxcharts/core/KXChartList.h"
+#include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
 #include "kxcharts/toolkit/runtime/KXFormat.h"
 #include "kxcharts/toolkit/controls/KXForms.h"
 #include "kxcharts/toolkit/graphics/KXGraphics.h"
 #include "kxcharts/toolkit/runtime/KXMath.h"
-#include "kxcharts/toolkit/objects/KXObjectRect.h"
 #include "kxcharts/toolkit/graphics/KXPathData.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 
 namespace kx {
-
-// --- Registry and free functions ---
-
-int32_t ColorListIndex = 0;
-
-namespace {
-
-TThreadList<TKXCustomChartClass>& ChartRegistry() {
-  static TThreadList<TKXCustomChartClass> List;
-  return List;
-}
-
-// Reads the palette entry the counter points at and moves the counter on.
-TColor NextColor(const TColorList& List) {
-  if (ColorListIndex >= 10 || ColorListIndex < 0) ColorListIndex = 0;
-  return List[static_cast<size_t>(ColorListIndex++)];
-}
-
-} // namespace
-
-void RegisterChart(TKXCustomChartClass ChartClass) {
-  if (!ChartClass) return;
-  ChartRegistry().Add(ChartClass);
-  RegisterClass(ChartClass);
-}
-
-TKXCustomChartClass GetChartClass(TKXChartType ChartType) {
-  auto List = ChartRegistry().LockList();
-  for (TKXCustomChartClass C : *List)
-    if (C->GetChartType() == ChartType) return C;
-  return nullptr;
-}
-
-TKXChartType GetChartType(const TKXCustomChart* Chart) {
-  return Chart ? Chart->ChartClass()->GetChartType() : ctCustom;
-}
-
-void StartChartPanelModule() {
-  static std::once_flag Once;
-  std::call_once(Once, [] {
-    RegisterChart(ClassOf<TKXChart>());
-    RegisterClasses({ClassOf<TKXChartPanel>()});
-  });
-}
-
-TRect DefaultMarginsRect() {
-  return {3, 4, 3, 4};
-}
-
-TRect ModifyRectByMargins(const TRect& ARect, const TKXObjectRect* Margins, bool Pixels) {
-  if (!Margins) return ARect;
-  int32_t L = Margins->Left(), T = Margins->Top(), R = Margins->Right(), B = Margins->Bottom();
-  if (!Pixels) {
-    const double W = KXRectWidth(ARect), H = KXRectHeight(ARect);
-    L = CanvasRound(W * L / 100.0);
-    R = CanvasRound(W * R / 100.0);
-    T = CanvasRound(H * T / 100.0);
-    B = CanvasRound(H * B / 100.0);
-  }
-  return CanvasRect(static_cast<double>(ARect.Left) + L, static_cast<double>(ARect.Top) + T,
-                    static_cast<double>(ARect.Right) - R, static_cast<double>(ARect.Bottom) - B);
-}
-
-TColor GetChartColor() {
-  return NextColor(DefaultColorList);
-}
-
-TColor GetChartColor(const TKXCustomChart* Chart) {
-  return Chart ? Chart->GetColor() : GetChartColor();
-}
-
-bool IsLegendShowingCharts(const TKXCustomChartPanel* Panel, TKXLegendStyle LegendStyle) {
-  switch (LegendStyle) {
-  case lsCharts:
-  case lsChartsLastValue:
-    return true;
-  case lsAuto:
-    return Panel && Panel->Charts()->NumLegendVisible() > 1;
-  default:
-    return false;
-  }
-}
-
-std::string GetLegendText(const TKXCustomChart* Chart, const TKXChartValue* Value,
-                          TKXLegendStyle LegendStyle, TKXLegendTextStyle TextStyle) {
-  if (!Chart) return "";
-  if (LegendStyle == lsAuto)
-    LegendStyle = IsLegendShowingCharts(Chart->Panel(), lsAuto) ? lsCharts : lsValues;
-  switch (LegendStyle) {
-  case lsValues:
-    return Value ? Chart->FormatValue(Value, TextStyle) : "";
-  case lsCharts:
-  case lsChartsLastValue: {
-    std::string S = Chart->Caption();
-    if (S.empty()) S = Chart->Name();
-    if (S.empty()) S = Chart->ClassName();
-    const TKXChartValues* V = Chart->Values();
-    if (LegendStyle == lsChartsLastValue && V->Count() > 0)
-      S += " " + Chart->FormatValue(V->Items(V->Count() - 1), TextStyle);
-    return S;
-  }
-  default:
-    return "";
-  }
-}
 
 // --- TKXCustomChart: class and life ---
 
@@ -326,8 +222,8 @@ TColor TKXCustomChart::GetColor(const TKXChartValue* Value) const {
 }
 
 TColor TKXCustomChart::GetValueColor() const {
-  if (FPanelColorScheme && FPanel) return NextColor(FPanel->ChartColorList());
-  return NextColor(FColorList);
+  if (FPanelColorScheme && FPanel) return NextPaletteColor(FPanel->ChartColorList());
+  return NextPaletteColor(FColorList);
 }
 
 void TKXCustomChart::SetSelectionColor(TColor Value) {
@@ -764,25 +660,11 @@ void TKXCustomChart::Draw(TCanvas* Canvas, const TRect& ARect, TKXChartAxis* Ver
 
 TRect TKXCustomChart::DrawAxes(TCanvas* Canvas, const TRect& ARect, TKXChartAxis* VertAxis,
                                TKXChartAxis* HorizAxis) {
-  int32_t ML = 10, MT = 10, MR = 10, MB = 10;
-  if (VertAxis) {
-    VertAxis->CalculateBounds(Canvas, ARect);
-    if (VertAxis->Visible() && VertAxis->InwardPosition() == 0) {
-      if (VertAxis->Location() == calLeft)
-        ML = VertAxis->Width();
-      else
-        MR = VertAxis->Width();
-    }
-  }
-  if (HorizAxis) {
-    HorizAxis->CalculateBounds(Canvas, ARect);
-    if (HorizAxis->Visible() && HorizAxis->InwardPosition() == 0) {
-      if (HorizAxis->Location() == calTop)
-        MT = HorizAxis->Height();
-      else
-        MB = HorizAxis->Height();
-    }
-  }
+  const TRect M = MeasureAxisRoom(
+      Canvas, ARect,
+      {{VertAxis, VertAxis && VertAxis->Location() == calLeft ? calLeft : calRight},
+       {HorizAxis, HorizAxis && HorizAxis->Location() == calTop ? calTop : calBottom}});
+  const int32_t ML = M.Left, MT = M.Top, MR = M.Right, MB = M.Bottom;
   if (HorizAxis && HorizAxis->Visible())
     HorizAxis->Draw(Canvas, {ARect.Left + ML, ARect.Top + MT, ARect.Right - MR, ARect.Bottom});
   if (VertAxis && VertAxis->Visible())
@@ -966,101 +848,6 @@ bool TKXCustomChart::IsSelectable(const TRect& SelectionRect) const {
 
 void TKXCustomChart::MouseHover(const TRect& ARect) {
   if (IsSelectable(ARect)) Screen.SetCursor(Cursor());
-}
-
-// --- TKXChartList ---
-
-TKXChartList::TKXChartList(TKXCustomChartPanel* AOwner) : TComponentList(false), FOwner(AOwner) {}
-
-int32_t TKXChartList::Add(TKXCustomChart* Chart) {
-  return TComponentList::Add(Chart);
-}
-
-int32_t TKXChartList::AddOne(TKXCustomChart* Chart) {
-  const int32_t Index = IndexOf(Chart);
-  return Index >= 0 ? Index : Add(Chart);
-}
-
-void TKXChartList::Insert(int32_t Index, TKXCustomChart* Chart) {
-  TComponentList::Insert(Index, Chart);
-}
-
-int32_t TKXChartList::Remove(const TKXCustomChart* Chart) {
-  return TComponentList::Remove(Chart);
-}
-
-TKXCustomChart* TKXChartList::Extract(const TKXCustomChart* Chart) {
-  return static_cast<TKXCustomChart*>(TComponentList::Extract(Chart));
-}
-
-int32_t TKXChartList::IndexOf(const TKXCustomChart* Chart) const {
-  return TComponentList::IndexOf(Chart);
-}
-
-TKXCustomChart* TKXChartList::FindVisible() const {
-  for (int32_t I = 0; I < Count(); ++I)
-    if (Items(I)->Visible()) return Items(I);
-  return nullptr;
-}
-
-TKXCustomChart* TKXChartList::FindGroupPrevious(const TKXCustomChart* AChart) const {
-  TKXCustomChart* Found = nullptr;
-  for (int32_t I = 0; I < Count(); ++I) {
-    TKXCustomChart* C = Items(I);
-    if (C == AChart) return Found;
-    if (C->Visible() && C->Group() == AChart->Group()) Found = C;
-  }
-  return Found;
-}
-
-TKXCustomChart* TKXChartList::ActiveChart() const {
-  return FOwner ? FActiveChart : FindVisible();
-}
-
-int32_t TKXChartList::NumVisible() const {
-  if (FOwner) return FNumVisible;
-  int32_t N = 0;
-  for (int32_t I = 0; I < Count(); ++I)
-    if (Items(I)->Visible()) ++N;
-  return N;
-}
-
-int32_t TKXChartList::NumLegendVisible() const {
-  int32_t N = 0;
-  for (int32_t I = 0; I < Count(); ++I) {
-    const TKXCustomChart* C = Items(I);
-    if (C->Visible() && C->Options().Contains(coShowInLegend)) ++N;
-  }
-  return N;
-}
-
-void TKXChartList::Recount(TKXCustomChart* Chart, int32_t Sign) {
-  if (Chart->Visible()) FNumVisible += Sign;
-  FActiveChart = FindVisible();
-}
-
-void TKXChartList::Notify(void* Ptr, TListNotification Action) {
-  if (!Ptr) return;
-  inherited::Notify(Ptr, Action);
-  auto* Chart = static_cast<TKXCustomChart*>(static_cast<TComponent*>(Ptr));
-  if (FOwner) {
-    if (Action == lnAdded) {
-      Chart->SetPanel(FOwner);
-      Recount(Chart, +1);
-    } else if (Action == lnDeleted) {
-      Chart->SetPanel(nullptr);
-      Recount(Chart, -1);
-    } else {
-      // A chart that is freed while in the list leaves it this way; the counts follow.
-      Recount(Chart, -1);
-    }
-  }
-  if (FOnNotify) FOnNotify(this, Chart, Action);
-}
-
-void TKXChartList::VisibleChanged(TKXCustomChart* Chart) {
-  FNumVisible += Chart->Visible() ? 1 : -1;
-  FActiveChart = FindVisible();
 }
 
 // --- TKXChart ---

@@ -1,7 +1,7 @@
 #pragma once
-// TKXCustomChart, the base of every chart kind (series); TKXChart, the class a user
-// places; TKXChartList, the list of charts a panel and every axis keep; and the chart
-// class registry.
+// TKXCustomChart, the base of every chart kind (series), and TKXChart, the class a user
+// places. The list of charts a panel and every axis keep is in KXChartList.h, the chart
+// class registry in KXChartRegistry.h.
 //
 // A chart is a graphic control that stands alone on a form (on two invisible local axes
 // of its own, painting itself) or lives in a chart panel (on the panel's axes, painted by
@@ -34,7 +34,6 @@ namespace kx {
 
 class TKXChartAxis;
 class TKXCustomChartPanel;
-class TKXObjectRect;
 class TKXCustomChart;
 
 // --- Enumerations ---
@@ -111,8 +110,6 @@ using TKXChartDrawingEvent =
 using TKXChartValueEvent =
     std::function<void(TObject* Sender, TKXCustomChart* Chart, TKXChartValue* Value)>;
 using TKXChartValueEvent2 = std::function<void(TObject* Sender, TKXChartValue* Value)>;
-using TChartListNotifyEvent =
-    std::function<void(TObject* Sender, TKXCustomChart* Chart, TListNotification Action)>;
 
 // --- Metaclass of the charts ---
 
@@ -487,74 +484,6 @@ private:
   void SetAxis(TKXChartAxis*& Slot, TKXChartAxis* Axis, bool Horizontal);
 };
 
-// --- TKXChartList ---
-
-class TKXChartList;
-using TKXChartListEnumerator = TIndexIterator<TKXChartList, TKXCustomChart*>;
-
-// The charts of a panel (owned by the panel, which its charts join and leave through it)
-// or of an axis (no owner). The list does not own the charts; a chart that is freed
-// leaves it.
-class TKXChartList : public TComponentList {
-  KX_CLASS(TKXChartList, TComponentList)
-
-private:
-  TKXCustomChartPanel* FOwner;
-  int32_t FNumVisible = 0;
-  TKXCustomChart* FActiveChart = nullptr;
-  TChartListNotifyEvent FOnNotify;
-
-public:
-  explicit TKXChartList(TKXCustomChartPanel* AOwner);
-
-  // --- Properties ---
-  TKXCustomChart* Items(int32_t Index) const {
-    return static_cast<TKXCustomChart*>(TComponentList::Items(Index));
-  }
-  TKXCustomChartPanel* Owner() const { return FOwner; }
-  // With a panel as owner the chart kept up to date by the list; else the first visible.
-  TKXCustomChart* ActiveChart() const;
-  // With an owner the count kept by the list; else a count of the visible charts.
-  int32_t NumVisible() const;
-  // The visible charts that show in the legend (coShowInLegend).
-  int32_t NumLegendVisible() const;
-
-  // --- Events ---
-  // Raised last for every lnAdded, lnExtracted and lnDeleted.
-  const TChartListNotifyEvent& OnNotify() const { return FOnNotify; }
-  void SetOnNotify(TChartListNotifyEvent Value) { FOnNotify = std::move(Value); }
-
-  // --- Operations ---
-  int32_t Add(TKXCustomChart* Chart);
-  // Adds Chart unless it is there; answers its index either way.
-  int32_t AddOne(TKXCustomChart* Chart);
-  void Insert(int32_t Index, TKXCustomChart* Chart);
-  int32_t Remove(const TKXCustomChart* Chart);
-  TKXCustomChart* Extract(const TKXCustomChart* Chart);
-  int32_t IndexOf(const TKXCustomChart* Chart) const;
-  TKXCustomChart* First() const { return Items(0); }
-  TKXCustomChart* Last() const { return Items(Count() - 1); }
-  // The first visible chart, or nil.
-  TKXCustomChart* FindVisible() const;
-  // The last visible chart of AChart's group before AChart in the list (before the end
-  // when AChart is not in the list), or nil.
-  TKXCustomChart* FindGroupPrevious(const TKXCustomChart* AChart) const;
-  // Keeps the visible count and the active chart after Chart's visibility changed.
-  virtual void VisibleChanged(TKXCustomChart* Chart);
-
-  TKXChartListEnumerator GetEnumerator() const { return {this, 0}; }
-  TKXChartListEnumerator begin() const { return {this, 0}; }
-  TKXChartListEnumerator end() const { return {this, 0}; }
-
-protected:
-  // With a panel as owner, a chart that comes in joins the panel and one that goes leaves
-  // it; the visible count and the active chart follow.
-  void Notify(void* Ptr, TListNotification Action) override;
-
-private:
-  void Recount(TKXCustomChart* Chart, int32_t Sign);
-};
-
 // --- TKXChart ---
 
 // The chart a user places: TKXCustomChart with its stored properties. Every chart kind
@@ -573,39 +502,5 @@ protected:
   // SelectionColor, ParentSelectionColor.
   void DefineProperties(TFiler& Filer) override;
 };
-
-// --- Free functions ---
-
-// The process-wide palette counter: consecutive new values and charts take consecutive
-// colours, whichever palette they read. Readers set it to 0 when it is 10 or more.
-extern int32_t ColorListIndex;
-
-// Adds the class to the chart registry unless it is there, and registers it for
-// streaming. Safe from any thread.
-void RegisterChart(TKXCustomChartClass ChartClass);
-// The first registered class of that kind, or nil. The registry holds what the started
-// modules registered (StartChartModules, in the umbrella library, starts them all).
-TKXCustomChartClass GetChartClass(TKXChartType ChartType);
-// The kind of the chart's class; ctCustom for nil.
-TKXChartType GetChartType(const TKXCustomChart* Chart);
-// Registers the classes of this module that a form reader makes by name (TKXChart,
-// TKXChartPanel). Runs once.
-void StartChartPanelModule();
-
-// (3, 4, 3, 4): left, top, right, bottom.
-TRect DefaultMarginsRect();
-// ARect moved inward by the four sides, as pixels or as per cent of ARect's width
-// (left, right) and height (top, bottom).
-TRect ModifyRectByMargins(const TRect& ARect, const TKXObjectRect* Margins, bool Pixels);
-// The next colour of DefaultColorList by ColorListIndex.
-TColor GetChartColor();
-// The chart's colour; the form above for nil.
-TColor GetChartColor(const TKXCustomChart* Chart);
-// The text of a legend line for a chart or one of its values.
-std::string GetLegendText(const TKXCustomChart* Chart, const TKXChartValue* Value,
-                          TKXLegendStyle LegendStyle, TKXLegendTextStyle TextStyle);
-// Whether a legend of that style lists charts: lsCharts and lsChartsLastValue always;
-// lsAuto when the panel has more than one chart for the legend.
-bool IsLegendShowingCharts(const TKXCustomChartPanel* Panel, TKXLegendStyle LegendStyle);
 
 } // namespace kx

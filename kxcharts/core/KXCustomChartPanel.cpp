@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "kxcharts/core/KXChartLayout.h"
+#include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
@@ -198,8 +200,7 @@ TKXChartAxis* TKXCustomChartPanel::GetAxis(TVerticalAxis Value) const {
 }
 
 TColor TKXCustomChartPanel::GetChartColor() const {
-  if (ColorListIndex >= 10 || ColorListIndex < 0) ColorListIndex = 0;
-  return FChartColorList[static_cast<size_t>(ColorListIndex++)];
+  return NextPaletteColor(FChartColorList);
 }
 
 bool TKXCustomChartPanel::IsLegendShowingCharts() const {
@@ -358,17 +359,11 @@ void TKXCustomChartPanel::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     }
   }
 
-  // An outer visible axis takes what it measures; an inward or hidden one leaves 10.
-  TRect M{10, 10, 10, 10};
-  const auto Outer = [](const TKXChartAxis* A) { return A->Visible() && A->InwardPosition() == 0; };
-  FLeftAxis->CalculateBounds(Canvas, CR);
-  if (Outer(FLeftAxis.get())) M.Left = FLeftAxis->Width();
-  FTopAxis->CalculateBounds(Canvas, CR);
-  if (Outer(FTopAxis.get())) M.Top = FTopAxis->Height();
-  FRightAxis->CalculateBounds(Canvas, CR);
-  if (Outer(FRightAxis.get())) M.Right = FRightAxis->Width();
-  FBottomAxis->CalculateBounds(Canvas, CR);
-  if (Outer(FBottomAxis.get())) M.Bottom = FBottomAxis->Height();
+  const TRect M = MeasureAxisRoom(Canvas, CR,
+                                  {{FLeftAxis.get(), calLeft},
+                                   {FTopAxis.get(), calTop},
+                                   {FRightAxis.get(), calRight},
+                                   {FBottomAxis.get(), calBottom}});
 
   const TRect Plot = Inner(CR, M);
   if (FChartBackground->Visible() && Areas.Contains(paChartBackground))
@@ -406,11 +401,7 @@ void TKXCustomChartPanel::DrawGradient(TCanvas* Canvas, const TRect& Whole) {
     if (FGradient->Opacity() < 1.0f) {
       // A translucent gradient must let what lies beneath show through the copy, so the
       // buffer starts clear rather than white.
-      cairo_t* Cr = Buffer->Canvas()->Handle();
-      cairo_save(Cr);
-      cairo_set_operator(Cr, CAIRO_OPERATOR_CLEAR);
-      cairo_paint(Cr);
-      cairo_restore(Cr);
+      Buffer->Canvas()->ClearRect({0, 0, Buffer->Width(), Buffer->Height()});
     }
     FGradient->Draw(Buffer->Canvas(),
                     TRect{0, 0, static_cast<int32_t>(W), static_cast<int32_t>(H)});

@@ -23,6 +23,7 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/core/KXChartGraphic.h"
 #include "kxcharts/core/KXChartLayer.h"
+#include "kxcharts/core/KXChartList.h"
 #include "kxcharts/core/KXChartListeners.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/legends/KXChartLegend.h"

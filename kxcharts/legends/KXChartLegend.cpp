@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "kxcharts/core/KXChartLayout.h"
+#include "kxcharts/core/KXChartList.h"
 #include "kxcharts/core/KXChartValues.h"
 #include "kxcharts/core/KXCustomChartPanel.h"
 #include "kxcharts/toolkit/graphics/KXGraphics.h"
@@ -223,6 +225,43 @@ void TKXChartLegend::Assign(const TPersistent* Source) {
     FResizeBounds = L->FResizeBounds;
   }
   inherited::Assign(Source);
+}
+
+// --- Legend texts ---
+
+bool IsLegendShowingCharts(const TKXCustomChartPanel* Panel, TKXLegendStyle LegendStyle) {
+  switch (LegendStyle) {
+  case lsCharts:
+  case lsChartsLastValue:
+    return true;
+  case lsAuto:
+    return Panel && Panel->Charts()->NumLegendVisible() > 1;
+  default:
+    return false;
+  }
+}
+
+std::string GetLegendText(const TKXCustomChart* Chart, const TKXChartValue* Value,
+                          TKXLegendStyle LegendStyle, TKXLegendTextStyle TextStyle) {
+  if (!Chart) return "";
+  if (LegendStyle == lsAuto)
+    LegendStyle = IsLegendShowingCharts(Chart->Panel(), lsAuto) ? lsCharts : lsValues;
+  switch (LegendStyle) {
+  case lsValues:
+    return Value ? Chart->FormatValue(Value, TextStyle) : "";
+  case lsCharts:
+  case lsChartsLastValue: {
+    std::string S = Chart->Caption();
+    if (S.empty()) S = Chart->Name();
+    if (S.empty()) S = Chart->ClassName();
+    const TKXChartValues* V = Chart->Values();
+    if (LegendStyle == lsChartsLastValue && V->Count() > 0)
+      S += " " + Chart->FormatValue(V->Items(V->Count() - 1), TextStyle);
+    return S;
+  }
+  default:
+    return "";
+  }
 }
 
 // --- Gathering ---

@@ -225,4 +225,14 @@ private:
   int64_t ColumnStep(int64_t LongestWidth, int64_t TextHeight) const;
 };
 
+
+// --- Legend texts ---
+
+// The text of a legend line for a chart or one of its values.
+std::string GetLegendText(const TKXCustomChart* Chart, const TKXChartValue* Value,
+                          TKXLegendStyle LegendStyle, TKXLegendTextStyle TextStyle);
+// Whether a legend of that style lists charts: lsCharts and lsChartsLastValue always;
+// lsAuto when the panel has more than one chart for the legend.
+bool IsLegendShowingCharts(const TKXCustomChartPanel* Panel, TKXLegendStyle LegendStyle);
+
 } // namespace kx

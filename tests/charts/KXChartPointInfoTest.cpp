@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "support/KXBitmapProbe.h"

@@ -463,6 +463,40 @@ TEST(CustomChart, GlyphsPaintInTheChartsColourAndLeaveTheCanvasAsItWas) {
   EXPECT_EQ(Canvas->Brush()->Color(), clWhite);
 }
 
+// The room of the axes follows the panel's rule: a visible axis outside the plot keeps what
+// it measures on the side its location names, every other side 10 pixels.
+TEST(CustomChart, DrawAxesKeepsTheRoomOfVisibleOuterAxesOnTheirSidesAndTenElsewhere) {
+  struct TCase {
+    TKXChartAxisLocation V, H;
+    bool Visible;
+    int32_t Inward;
+  };
+  for (const TCase& K : {TCase{calLeft, calBottom, true, 0}, TCase{calRight, calTop, true, 0},
+                         TCase{calLeft, calBottom, false, 0}, TCase{calRight, calTop, true, 50}}) {
+    TOwned<TTestForm> Form(New<TTestForm>(nullptr));
+    auto* C = New<TTestChart>(Form.get());
+    TOwned<TKXChartAxis> V(New<TKXChartAxis>(nullptr)), H(New<TKXChartAxis>(nullptr));
+    V->SetLocation(K.V);
+    H->SetLocation(K.H);
+    for (TKXChartAxis* A : {V.get(), H.get()}) {
+      A->SetVisible(K.Visible);
+      A->SetInwardPosition(K.Inward);
+    }
+    auto Bmp = MakeOwned<TBitmap>();
+    Bmp->SetSize(300, 200);
+    V->CalculateBounds(Bmp->Canvas(), {0, 0, 300, 200});
+    H->CalculateBounds(Bmp->Canvas(), {0, 0, 300, 200});
+    const bool Outer = K.Visible && K.Inward == 0;
+    const int32_t Across = Outer ? V->Width() : 10, Along = Outer ? H->Height() : 10;
+    const TRect Plot = C->DrawAxes(Bmp->Canvas(), {0, 0, 300, 200}, V.get(), H.get());
+    const TRect Expected{K.V == calLeft ? Across : 10, K.H == calTop ? Along : 10,
+                         300 - (K.V == calRight ? Across : 10),
+                         200 - (K.H == calBottom ? Along : 10)};
+    EXPECT_EQ(Plot, Expected) << GetEnumName(K.V) << " " << GetEnumName(K.H) << " visible "
+                              << K.Visible << " inward " << K.Inward;
+  }
+}
+
 TEST(CustomChart, AChartAlonePaintsItselfOnFreshAxes) {
   TOwned<TTestForm> Form(New<TTestForm>(nullptr));
   auto* Host = New<TPanel>(Form.get());

@@ -111,6 +111,9 @@ public:
   void FillRect(const TRect& R);
   // A one-pixel frame just inside R, in the brush colour.
   void FrameRect(const TRect& R);
+  // Makes the pixels of R transparent (black on a surface without alpha), within the clip:
+  // how a bitmap that is painted only in parts starts.
+  void ClearRect(const TRect& R);
   void Rectangle(int32_t X1, int32_t Y1, int32_t X2, int32_t Y2);
   void Rectangle(const TRect& R) { Rectangle(R.Left, R.Top, R.Right, R.Bottom); }
   // Corners are quarter ellipses of width X3 and height Y3.

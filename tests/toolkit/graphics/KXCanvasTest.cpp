@@ -6,6 +6,7 @@
 #include <iterator>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -412,6 +413,20 @@ TEST_F(CanvasFixture, ClipAppliesToPixelsTextAndPenModes) {
   C->LineTo(60, 20);
   C->TextOut(15, 15, "Outside");
   EXPECT_EQ(CountPainted(Bmp.get()), 0);
+}
+
+TEST_F(CanvasFixture, ClearRectMakesItsBoxTransparentWithinTheClipAndPaintingGoesOnAsBefore) {
+  TCanvasClip Clip(C, {0, 0, 30, 40});
+  C->ClearRect({20, 10, 50, 20});
+  const std::vector<uint8_t> Bytes = PixelBytes(Bmp.get());
+  int32_t Transparent = 0; // all four bytes 0: no colour and no alpha
+  for (size_t I = 0; I + 3 < Bytes.size(); I += 4)
+    if ((Bytes[I] | Bytes[I + 1] | Bytes[I + 2] | Bytes[I + 3]) == 0) ++Transparent;
+  EXPECT_EQ(Transparent, 10 * 10);
+  EXPECT_EQ(PaintedBounds(Bmp.get()), (TRect{20, 10, 30, 20}));
+  C->Brush()->SetColor(clRed);
+  C->FillRect({20, 10, 25, 15});
+  EXPECT_EQ(C->Pixel(22, 12), clRed);
 }
 
 // --- Opacity ---
