@@ -3,6 +3,8 @@
 // base and the chart panel.
 
 #include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartGraphicArea.h"
+#include "kxcharts/core/KXChartLabel.h"
 #include "kxcharts/core/KXChartLayer.h"
 #include "kxcharts/core/KXChartListeners.h"
 #include "kxcharts/core/KXChartValues.h"
