@@ -10,7 +10,8 @@
 #include "gallery/KXGallery.h"
 #include "gallery/KXSheetKit.h"
 #include "kxcharts/axes/KXChartAxis.h"
-#include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartGraphicArea.h"
+#include "kxcharts/core/KXChartLabel.h"
 
 namespace kx::gallery {
 

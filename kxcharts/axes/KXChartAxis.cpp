@@ -1,3 +1,4 @@
+// TKXChartAxis as a scale: parts, range, value-pixel mapping, log cycles, zoom, pan, storing.
 #include "kxcharts/axes/KXChartAxis.h"
 
 #include <algorithm>
@@ -366,6 +367,13 @@ void TKXChartAxis::SetLogCycles(bool Value) {
 double TKXChartAxis::ZoomAmount() const {
   const double Zoomed = SizeZoomed();
   return Zoomed == 0.0 ? 1.0 : SizeUnzoomed() / Zoomed;
+}
+
+bool TKXChartAxis::IsDateTime() const {
+  if (FLabelStyle == alsDateTime) return true;
+  const TKXCustomChart* Active = FCharts ? FCharts->ActiveChart() : nullptr;
+  return Active && FDimension >= 0 && FDimension < 8 &&
+         Active->Values()->DateTimeAxes().Contains(static_cast<uint8_t>(FDimension));
 }
 
 // --- TKXChartAxis: geometry ---

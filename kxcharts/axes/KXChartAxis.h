@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-#include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartLabel.h"
 #include "kxcharts/toolkit/graphics/KXCanvas.h"
 #include "kxcharts/toolkit/chartkit/KXCommonCharts.h"
 #include "kxcharts/toolkit/runtime/KXEnum.h"

@@ -1,5 +1,4 @@
-// TKXChartAxis: label texts, the search for a label step, and the routine that measures and
-// paints an axis by peeling title, labels and axis line off a rectangle.
+// TKXChartAxis on a canvas: label texts, the label step their size allows, measuring and painting.
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -53,13 +52,6 @@ int32_t Extent(int32_t From, int32_t To) {
 } // namespace
 
 // --- Label texts ---
-
-bool TKXChartAxis::IsDateTime() const {
-  if (FLabelStyle == alsDateTime) return true;
-  const TKXCustomChart* Active = FCharts ? FCharts->ActiveChart() : nullptr;
-  return Active && FDimension >= 0 && FDimension < 8 &&
-         Active->Values()->DateTimeAxes().Contains(static_cast<uint8_t>(FDimension));
-}
 
 std::string TKXChartAxis::FormatValue(double Value) const {
   if (IsDateTime() && Value >= MinDateTime && Value <= MaxDateTime)

@@ -14,7 +14,7 @@
 
 #include <cstdint>
 
-#include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartGraphicArea.h"
 #include "kxcharts/toolkit/graphics/KXBitmap.h"
 #include "kxcharts/toolkit/graphics/KXCanvas.h"
 #include "kxcharts/toolkit/graphics/KXGraphicObjects.h"

@@ -3,6 +3,8 @@
 // base, the list of charts, the chart registry, the layout rules and the chart panel.
 
 #include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartGraphicArea.h"
+#include "kxcharts/core/KXChartLabel.h"
 #include "kxcharts/core/KXChartLayer.h"
 #include "kxcharts/core/KXChartLayout.h"
 #include "kxcharts/core/KXChartList.h"

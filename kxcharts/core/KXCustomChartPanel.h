@@ -21,7 +21,7 @@
 #include <string>
 
 #include "kxcharts/axes/KXChartAxis.h"
-#include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartLabel.h"
 #include "kxcharts/core/KXChartLayer.h"
 #include "kxcharts/core/KXChartList.h"
 #include "kxcharts/core/KXChartListeners.h"

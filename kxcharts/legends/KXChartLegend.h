@@ -14,7 +14,7 @@
 #include <functional>
 #include <string>
 
-#include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartLabel.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/toolkit/graphics/KXCanvas.h"
 #include "kxcharts/toolkit/controls/KXControls.h"

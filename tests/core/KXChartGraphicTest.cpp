@@ -1,4 +1,5 @@
-#include "kxcharts/core/KXChartGraphic.h"
+#include "kxcharts/core/KXChartGraphicArea.h"
+#include "kxcharts/core/KXChartLabel.h"
 
 #include <cmath>
 #include <limits>

@@ -4,6 +4,7 @@
 #include <limits>
 #include <mutex>
 
+#include "kxcharts/toolkit/objects/KXFiler.h"
 #include "kxcharts/toolkit/objects/KXLists.h"
 
 namespace kx {
@@ -188,6 +189,11 @@ void TComponent::SetDesigning(bool Value, bool SetChildren) {
 
 void TComponent::Loaded() {
   FComponentState.Exclude(csLoading);
+}
+
+void TComponent::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("Tag", this, &TComponent::Tag, &TComponent::SetTag, 0);
 }
 
 // --- TComponent: ownership ---

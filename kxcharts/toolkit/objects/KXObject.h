@@ -197,7 +197,7 @@ public:
 protected:
   // The other direction of Assign, for classes that know how to fill a foreign class.
   virtual void AssignTo(TPersistent* Dest) const;
-  // Declares the stored properties of this class to a reader or writer (KXStreaming.h).
+  // Declares the stored properties of this class to a reader or writer (KXFiler.h).
   // Overrides call the inherited one first, then declare their own in their stored
   // order. The base declares none.
   virtual void DefineProperties(TFiler& Filer);

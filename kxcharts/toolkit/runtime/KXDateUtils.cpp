@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <string>
 
 #include "kxcharts/toolkit/runtime/KXMath.h"
@@ -457,6 +458,59 @@ TDateTime StartOfTheYear(TDateTime Value) {
 
 TDateTime EndOfTheYear(TDateTime Value) {
   return EndOfStampDate(StampDateOf(YearOf(Value), 12, 31));
+}
+
+// --- ISO 8601 text ---
+
+std::string DateTimeToISO(TDateTime Value) {
+  if (!std::isfinite(Value) || std::fabs(Value) > 3.0e6) return std::string();
+  // A negative TDateTime counts whole days back from day 0, and its fraction is the time
+  // of that day, not a step further back.
+  long long Day = Value >= 0 ? static_cast<long long>(std::floor(Value))
+                             : static_cast<long long>(std::ceil(Value));
+  const double Frac = std::fabs(Value - static_cast<double>(Day));
+  long long Ms = std::llround(Frac * MSecsPerDay64);
+  if (Ms >= MSecsPerDay64) {
+    Ms -= MSecsPerDay64;
+    ++Day;
+  }
+  int32_t Y, M, D;
+  CivilFromDays(Day - UnixDateDelta, Y, M, D);
+  if (Y < 1 || Y > 9999) return std::string();
+  char Buf[64];
+  std::snprintf(Buf, sizeof(Buf), "%04d-%02d-%02dT%02lld:%02lld:%02lld.%03lld", Y, M, D,
+                Ms / 3600000, Ms / 60000 % 60, Ms / 1000 % 60, Ms % 1000);
+  return Buf;
+}
+
+std::optional<TDateTime> ISOToDateTime(std::string_view T) {
+  auto Num = [&](size_t Pos, size_t Len, unsigned& Out) {
+    if (Pos + Len > T.size()) return false;
+    auto R = std::from_chars(T.data() + Pos, T.data() + Pos + Len, Out);
+    return R.ec == std::errc() && R.ptr == T.data() + Pos + Len;
+  };
+  unsigned Y, M, D, H = 0, N = 0, S = 0, Ms = 0;
+  if (T.size() < 10 || T[4] != '-' || T[7] != '-' || !Num(0, 4, Y) || !Num(5, 2, M) ||
+      !Num(8, 2, D))
+    return std::nullopt;
+  if (Y < 1 || M < 1 || M > 12 || D < 1 ||
+      D > static_cast<unsigned>(DaysInAMonth(static_cast<int32_t>(Y), static_cast<int32_t>(M))))
+    return std::nullopt;
+  if (T.size() > 10) {
+    if (T.size() < 19 || T[10] != 'T' || T[13] != ':' || T[16] != ':' || !Num(11, 2, H) ||
+        !Num(14, 2, N) || !Num(17, 2, S) || H > 23 || N > 59 || S > 59)
+      return std::nullopt;
+    if (T.size() > 19) {
+      const size_t Digits = T.size() - 20;
+      if (T[19] != '.' || Digits < 1 || Digits > 3 || !Num(20, Digits, Ms)) return std::nullopt;
+      for (size_t K = Digits; K < 3; ++K)
+        Ms *= 10;
+    }
+  }
+  const int64_t Day = DaysFromCivil(Y, M, D) + UnixDateDelta;
+  const double Time = static_cast<double>(((H * 60 + N) * 60 + S) * 1000LL + Ms) /
+                      static_cast<double>(MSecsPerDay64);
+  return Day >= 0 ? static_cast<double>(Day) + Time : static_cast<double>(Day) - Time;
 }
 
 } // namespace kx

@@ -12,6 +12,9 @@
 // to date encode" or "Invalid argument to time encode".
 
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "kxcharts/toolkit/runtime/KXSysUtils.h"
 #include "kxcharts/toolkit/runtime/KXTypes.h"
@@ -144,5 +147,15 @@ TDateTime StartOfTheMonth(TDateTime Value);
 TDateTime EndOfTheMonth(TDateTime Value);
 TDateTime StartOfTheYear(TDateTime Value);
 TDateTime EndOfTheYear(TDateTime Value);
+
+// --- ISO 8601 text ---
+//
+// The text stored forms use for dates. Unlike the operations above these raise nothing:
+// a value or a text that is no moment of years 1 to 9999 gives an empty text or nothing.
+
+// Days since 1899-12-30 as "yyyy-mm-ddThh:nn:ss.zzz" (milliseconds rounded).
+std::string DateTimeToISO(TDateTime Value);
+// The text DateTimeToISO writes, with 0 to 3 digits of milliseconds, or a date alone.
+std::optional<TDateTime> ISOToDateTime(std::string_view Text);
 
 } // namespace kx
