@@ -161,11 +161,10 @@ public:
   void StretchDraw(const TRect& R, const TGraphic* Graphic, float Opacity = 1.0f);
   // Paints Stamp (a picture each of whose pixels is opaque or clear) with its top left at
   // each point of At in turn, each over those before, and answers true. On an image the
-  // stamps are not painted one by one: each pixel gets the stamp that ends on top there,
-  // which is the same picture for one pass over the stamps' pixels, so that a million
-  // small stamps cost little more than their pixels. False, painting nothing, when the
-  // canvas does not write its pixels itself (a vector file, inside an opacity layer) or the
-  // stamp has a pixel between opaque and clear.
+  // opaque pixels are written straight into the image, so that a million small stamps cost
+  // little more than their pixels. False, painting nothing, when the canvas does not write
+  // its pixels itself (a vector file, inside an opacity layer) or the stamp has a pixel in
+  // between opaque and clear, which would blend with what lies under it.
   bool DrawStamps(const TBitmap* Stamp, std::span<const TPoint> At);
 
   // --- Paths, for drawing helpers ---

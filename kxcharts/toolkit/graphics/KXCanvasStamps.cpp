@@ -1,5 +1,5 @@
-// TCanvas::DrawStamps: many copies of one small opaque picture, written from the last to the
-// first so that every pixel is written once, by the copy that ends on top of it.
+// TCanvas::DrawStamps: many copies of one small picture of opaque and clear pixels, written
+// straight into an image: a copy costs as many stores as the picture has opaque pixels.
 #include <algorithm>
 #include <cstdint>
 #include <vector>
@@ -38,25 +38,26 @@ bool TCanvas::DrawStamps(const TBitmap* Stamp, std::span<const TPoint> At) {
   const TRect Area = DrawableArea();
   if (Area.IsEmpty()) return true;
   cairo_surface_flush(FSurface);
-  const int64_t AW = Area.Width();
-  // Which pixels a later copy has written already, by position in Area.
-  std::vector<uint8_t> Taken(static_cast<size_t>(AW * Area.Height()), 0);
   int64_t DirtyL = Area.Right, DirtyT = Area.Bottom, DirtyR = Area.Left, DirtyB = Area.Top;
-  for (size_t K = At.size(); K-- > 0;) {
-    const int64_t X0 = At[K].X, Y0 = At[K].Y;
+  for (const TPoint& P : At) {
+    const int64_t X0 = P.X, Y0 = P.Y;
     if (X0 + W <= Area.Left || X0 >= Area.Right || Y0 + H <= Area.Top || Y0 >= Area.Bottom)
       continue;
     DirtyL = std::min(DirtyL, X0);
     DirtyT = std::min(DirtyT, Y0);
     DirtyR = std::max(DirtyR, X0 + W);
     DirtyB = std::max(DirtyB, Y0 + H);
+    const bool Whole =
+        X0 >= Area.Left && X0 + W <= Area.Right && Y0 >= Area.Top && Y0 + H <= Area.Bottom;
+    if (Whole) {
+      for (const TDot& D : Dots)
+        PixelRow(static_cast<int32_t>(Y0 + D.DY))[X0 + D.DX] = D.Pixel;
+      continue;
+    }
     for (const TDot& D : Dots) {
       const int64_t X = X0 + D.DX, Y = Y0 + D.DY;
-      if (X < Area.Left || X >= Area.Right || Y < Area.Top || Y >= Area.Bottom) continue;
-      uint8_t& Done = Taken[static_cast<size_t>((Y - Area.Top) * AW + (X - Area.Left))];
-      if (Done) continue;
-      Done = 1;
-      PixelRow(static_cast<int32_t>(Y))[X] = D.Pixel;
+      if (X >= Area.Left && X < Area.Right && Y >= Area.Top && Y < Area.Bottom)
+        PixelRow(static_cast<int32_t>(Y))[X] = D.Pixel;
     }
   }
   DirtyL = std::max<int64_t>(DirtyL, Area.Left);
