@@ -7,6 +7,7 @@
 
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
+#include "kxcharts/charts/bubbles/KXBubbleCharts.h"
 #include "kxcharts/core/KXChartRegistry.h"
 
 namespace kx {
@@ -18,6 +19,7 @@ void StartChartModules() {
     StartChartPanelModule();
     StartChartsModule();
     StartBarChartsModule();
+    StartBubbleChartsModule();
   });
 }
 

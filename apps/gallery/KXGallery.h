@@ -35,6 +35,7 @@ void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area);
 // The sheets of each area of the library, added in the order the index shows them. The
 // chart kinds come first: one picture per kind, a chart alone and a dashboard.
 void AddChartKindSheets(std::vector<TGallerySheet>& Sheets);
+void AddPointSheets(std::vector<TGallerySheet>& Sheets);
 void AddBarSheets(std::vector<TGallerySheet>& Sheets);
 void AddLargeDataSheets(std::vector<TGallerySheet>& Sheets);
 void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);

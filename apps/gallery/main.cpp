@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
   }
   std::vector<kx::gallery::TGallerySheet> Sheets;
   kx::gallery::AddChartKindSheets(Sheets);
+  kx::gallery::AddPointSheets(Sheets);
   kx::gallery::AddBarSheets(Sheets);
   kx::gallery::AddLargeDataSheets(Sheets);
   kx::gallery::AddToolkitSheets(Sheets);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "kxcharts/charts/KXShapeCharts.h"
 #include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/core/KXCustomChart.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
@@ -47,8 +48,7 @@ void TKXCustomChartPointInfo::SetDefaultStyle(TKXShapeStyle Value) {
 
 void TKXCustomChartPointInfo::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
   inherited::InternalDraw(Canvas, ARect);
-  // The image list is the owning chart's; an element drawn on its own has none.
-  DrawPoint(Canvas, ARect, 1.0f, nullptr, -1);
+  DrawPoint(Canvas, ARect, 1.0f, FOwner ? FOwner->ImageList() : nullptr, -1);
 }
 
 void TKXCustomChartPointInfo::DrawPoint(TCanvas* Canvas, const TRect& ARect, float Opacity,
@@ -120,8 +120,32 @@ void TKXCustomDefaultShape::Assign(const TPersistent* Source) {
   if (auto* S = dynamic_cast<const TKXCustomDefaultShape*>(Source)) {
     FAlignment = S->FAlignment;
     FFont->Assign(S->FFont.get());
+  } else if (auto* V = dynamic_cast<const TKXShapeChartValue*>(Source)) {
+    SetHeight(CanvasRound(V->GetValue(3)));
+    SetWidth(CanvasRound(V->GetValue(2)));
+    SetStyle(V->Style());
+    SetBrush(V->Brush());
+    SetPen(V->Pen());
+    SetAlignment(V->Alignment());
+    SetFont(V->Font());
+    return;
   }
   inherited::Assign(Source);
+}
+
+void TKXCustomDefaultShape::AssignTo(TPersistent* Dest) const {
+  auto* V = dynamic_cast<TKXShapeChartValue*>(Dest);
+  if (!V) {
+    inherited::AssignTo(Dest);
+    return;
+  }
+  V->SetValue(3, Height());
+  V->SetValue(2, Width());
+  V->SetStyle(Style());
+  V->SetBrush(Brush());
+  V->SetPen(Pen());
+  V->SetAlignment(FAlignment);
+  V->SetFont(FFont.get());
 }
 
 void TKXDefaultShape::DefineProperties(TFiler& Filer) {

@@ -9,8 +9,8 @@
 //       TKXDefaultShape          the same, with its properties stored
 //
 // The chart that owns a point info makes it, wires its OnChange to its own change handler
-// and frees it. The owner is not needed for anything these classes do alone; it is kept for
-// the chart, which hands its image list to DrawPoint.
+// and frees it. A default shape and a shape value exchange their settings both ways
+// (Assign, AssignTo).
 
 #include <cstdint>
 
@@ -72,7 +72,8 @@ public:
   void Assign(const TPersistent* Source) override;
 
 protected:
-  // The element's own brush and pen, then DrawPoint at full opacity without an image.
+  // The element's own brush and pen, then DrawPoint at full opacity, with the owner's image
+  // list and no image index.
   void InternalDraw(TCanvas* Canvas, const TRect& ARect) override;
   // 10 x 10, the brush in the next chart colour.
   void Initialize() override;
@@ -113,12 +114,16 @@ public:
   TFont* Font() const { return FFont.get(); }
   void SetFont(const TFont* Value) { FFont->Assign(Value); }
 
-  // From another default shape: alignment and font, then what the base copies.
+  // From another default shape: alignment and font, then what the base copies. From a
+  // shape value: its size (rounded), style, brush, pen, alignment and font, through the
+  // setters.
   void Assign(const TPersistent* Source) override;
   // Frees the font after the base has let go of its events.
   void BeforeDestruction() override;
 
 protected:
+  // A shape value takes the size, style, brush, pen, alignment and font.
+  void AssignTo(TPersistent* Dest) const override;
   // 25 x 25, a font, the label in the middle.
   void Initialize() override;
   void InitializeEvents() override;

@@ -13,8 +13,11 @@ void StartChartsModule() {
     // The order is the registry's answer for a kind that several classes share; the kinds
     // still to come take their places between these as they are built.
     RegisterChart(ClassOf<TKXChart>());
+    RegisterChart(ClassOf<TKXPointChart>());
     RegisterChart(ClassOf<TKXLineChart>());
     RegisterChart(ClassOf<TKXAreaChart>());
+    RegisterChart(ClassOf<TKXShapeChart>());
+    RegisterChart(ClassOf<TKXScatterChart>());
   });
 }
 

@@ -4,6 +4,8 @@
 
 #include "kxcharts/charts/KXChartPointInfo.h"
 #include "kxcharts/charts/KXLineCharts.h"
+#include "kxcharts/charts/KXPointCharts.h"
+#include "kxcharts/charts/KXShapeCharts.h"
 #include "kxcharts/charts/KXXYChartValues.h"
 
 namespace kx {

@@ -111,6 +111,9 @@ public:
   TKX2DChartValuesEnumerator GetEnumerator() const { return TKX2DChartValuesEnumerator(this); }
   auto begin() const { return GetEnumerator().begin(); }
   auto end() const { return GetEnumerator().end(); }
+  // The extents of the values changed while no number did (a size that a descendant reads
+  // from elsewhere): minimum and maximum are worked out again at the next read.
+  void ExtentsChanged() { FNeedMetaUpdate = true; }
   // The summary of the values by index (X, Y, plainness, colour, and ranges of them), up
   // to date. The first call reads every value; later ones read only what changed since.
   const TKXValueSummary& Summary() const;

@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+#include "kxcharts/core/KXChartRegistry.h"
+
 namespace kx {
 
 void StartBarChartsModule() {

@@ -33,6 +33,7 @@
 namespace kx {
 
 class TGraphic;
+class TBitmap;
 
 // The kind of surface a canvas paints on.
 enum TCanvasSurfaceKind : uint8_t { skImage, skSvg, skPdf, skOther };
@@ -161,6 +162,13 @@ public:
 
   void Draw(int32_t X, int32_t Y, const TGraphic* Graphic, float Opacity = 1.0f);
   void StretchDraw(const TRect& R, const TGraphic* Graphic, float Opacity = 1.0f);
+  // Paints Stamp (a picture each of whose pixels is opaque or clear) with its top left at
+  // each point of At in turn, each over those before, and answers true. On an image the
+  // opaque pixels are written straight into the image, so that a million small stamps cost
+  // little more than their pixels. False, painting nothing, when the canvas does not write
+  // its pixels itself (a vector file, inside an opacity layer) or the stamp has a pixel in
+  // between opaque and clear, which would blend with what lies under it.
+  bool DrawStamps(const TBitmap* Stamp, std::span<const TPoint> At);
 
   // --- Paths, for drawing helpers ---
 
