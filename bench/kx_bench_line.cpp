@@ -50,6 +50,15 @@ struct TLineBench {
     Panel->Repaint();
     cairo_surface_flush(Panel->Bitmap()->Surface());
   }
+
+  // Zooms the X axis to Fraction of the values about the middle, and paints.
+  void ZoomX(double Fraction) {
+    const double N = static_cast<double>(NextX), Mid = N / 2, Half = N * Fraction / 2;
+    TKXChartAxis* X = Chart->HorizontalAxis();
+    X->SetZoomMinimum(Mid - Half);
+    X->SetZoomMaximum(Mid + Half);
+    Paint();
+  }
 };
 
 void RunPaint(benchmark::State& State, TChartOptions Options) {
@@ -74,11 +83,7 @@ void BM_PaintLine(benchmark::State& State) {
 void RunZoomed(benchmark::State& State, TChartOptions Options) {
   TLineBench Bench(State.range(0), Options);
   Bench.Paint();
-  TKXChartAxis* X = Bench.Chart->HorizontalAxis();
-  const double Mid = State.range(0) / 2.0, Half = State.range(0) * 0.0005;
-  X->SetZoomMinimum(Mid - Half);
-  X->SetZoomMaximum(Mid + Half);
-  Bench.Paint();
+  Bench.ZoomX(0.001);
   for (auto _ : State)
     Bench.Paint();
   State.SetItemsProcessed(State.iterations() * State.range(0) / 1000);
@@ -134,11 +139,7 @@ void BM_CrosshairMove(benchmark::State& State) {
 void BM_PanRepaint(benchmark::State& State) {
   TLineBench Bench(State.range(0), PlainOptions - coZoomPen);
   Bench.Paint();
-  TKXChartAxis* X = Bench.Chart->HorizontalAxis();
-  const double Mid = State.range(0) / 2.0, Half = State.range(0) * 0.05;
-  X->SetZoomMinimum(Mid - Half);
-  X->SetZoomMaximum(Mid + Half);
-  Bench.Paint();
+  Bench.ZoomX(0.1);
   const TRect R = Bench.Panel->ChartRect();
   const int32_t Y = (R.Top + R.Bottom) / 2, X0 = (R.Left + R.Right) / 2;
   Bench.Panel->MouseDown(mbLeft, {ssAlt, ssLeft}, X0, Y);

@@ -34,6 +34,7 @@ struct TScene {
     Panel->ChartShadow()->SetVisible(false);
     Panel->Header()->SetText("Drag to zoom, Alt-drag to pan");
     Panel->Legend()->SetVisible(false);
+    Panel->Footer()->SetVisible(false);
     for (int K = 0; K < 2; ++K) {
       auto* L = New<TKXLineChart>(Form.get());
       L->SetOptions(L->Options() - coValueColors - coValueLabels);
