@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 #include "support/KXBitmapProbe.h"
 
