@@ -47,5 +47,6 @@ void AddAxisSheets(std::vector<TGallerySheet>& Sheets);
 void AddPanelSheets(std::vector<TGallerySheet>& Sheets);
 void AddInteractionSheets(std::vector<TGallerySheet>& Sheets);
 void AddSavePictureSheets(std::vector<TGallerySheet>& Sheets);
+void AddFunctionSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

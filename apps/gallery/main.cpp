@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddPanelSheets(Sheets);
   kx::gallery::AddInteractionSheets(Sheets);
   kx::gallery::AddSavePictureSheets(Sheets);
+  kx::gallery::AddFunctionSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {
