@@ -78,38 +78,31 @@ int32_t TKXCustomChartFunction::ClampDim(int32_t Value, const TKXCustomChart* Ch
   return Value;
 }
 
-void TKXCustomChartFunction::SetSourceChart(TKXCustomChart* Value) {
-  if (Value == FSourceChart) return;
-  if (Value && Value == FTargetChart) throw EKXChartException(SSourceTargetChartEqual);
-  if (FSourceChart) {
-    Detach(FSourceChart, true);
-    RemoveFreeNotification(FSourceChart);
+void TKXCustomChartFunction::SetChart(TKXCustomChart*& Slot, TKXCustomChart* Value, bool Source) {
+  if (Value == Slot) return;
+  if (Value && Value == (Source ? FTargetChart : FSourceChart))
+    throw EKXChartException(SSourceTargetChartEqual);
+  if (Slot) {
+    Detach(Slot, Source);
+    RemoveFreeNotification(Slot);
   }
-  FSourceChart = Value;
+  Slot = Value;
   FModified = true;
   ForgetPeriods();
   if (Value) {
-    Attach(Value, true);
-    FSourceDim = ClampDim(FSourceDim, Value);
+    Attach(Value, Source);
+    int32_t& Dim = Source ? FSourceDim : FTargetDim;
+    Dim = ClampDim(Dim, Value);
   }
   Changed();
 }
 
+void TKXCustomChartFunction::SetSourceChart(TKXCustomChart* Value) {
+  SetChart(FSourceChart, Value, true);
+}
+
 void TKXCustomChartFunction::SetTargetChart(TKXCustomChart* Value) {
-  if (Value == FTargetChart) return;
-  if (Value && Value == FSourceChart) throw EKXChartException(SSourceTargetChartEqual);
-  if (FTargetChart) {
-    Detach(FTargetChart, false);
-    RemoveFreeNotification(FTargetChart);
-  }
-  FTargetChart = Value;
-  FModified = true;
-  ForgetPeriods();
-  if (Value) {
-    Attach(Value, false);
-    FTargetDim = ClampDim(FTargetDim, Value);
-  }
-  Changed();
+  SetChart(FTargetChart, Value, false);
 }
 
 void TKXCustomChartFunction::SettingChanged() {

@@ -399,6 +399,9 @@ private:
   TDateTime MiddleStamp(int32_t Low, int32_t High) const;
   TDateTime CentreTime(int32_t Low, int32_t High) const;
   void ForgetPeriods();
+  // Sets the source (Source) or the target in Slot: the same check against the other one,
+  // listeners, observation and free notification moved, the dimension lowered.
+  void SetChart(TKXCustomChart*& Slot, TKXCustomChart* Value, bool Source);
   void Attach(TKXCustomChart* Chart, bool Source);
   void Detach(TKXCustomChart* Chart, bool Source);
   // Marks the target out of date (a setting that shapes it changed), then Changed.

@@ -56,6 +56,14 @@ void CopyRange(TAdd&& Add, TKXCustomChart* SourceChart, TKXCustomChart* TargetCh
     Add(TargetChart, R.At(I), TimeStamp, TargetDim);
 }
 
+// A statistic of the range's numbers; NaN below MinCount values, where it would divide by 0
+// (the sample figures of one value, any mean of none): there is nothing to measure.
+template <double (*Stat)(std::span<const double>), size_t MinCount>
+double Statistic(TKXCustomChart* Chart, int32_t IndexLow, int32_t IndexHigh, int32_t Dim) {
+  const TKXChartValueTypeArray A = TKXCustomChartFunction::ToArray(Chart, IndexLow, IndexHigh, Dim);
+  return A.size() < MinCount ? NaN : Stat(A);
+}
+
 template <TReduce Reduce>
 void AddReduced(TKXCustomChart* SourceChart, TKXCustomChart* TargetChart, int32_t IndexLow,
                 int32_t IndexHigh, TDateTime TimeStamp, int32_t SourceDim, int32_t TargetDim) {
@@ -136,42 +144,37 @@ double TKXCustomChartFunction::GreatestCommonDivisor(TKXCustomChart* SourceChart
 
 double TKXCustomChartFunction::TotalVariance(TKXCustomChart* SourceChart, int32_t IndexLow,
                                              int32_t IndexHigh, TDateTime&, int32_t SourceDim) {
-  const TKXChartValueTypeArray A = ToArray(SourceChart, IndexLow, IndexHigh, SourceDim);
-  return A.empty() ? NaN : kx::TotalVariance(A);
+  return Statistic<kx::TotalVariance, 1>(SourceChart, IndexLow, IndexHigh, SourceDim);
 }
 
 double TKXCustomChartFunction::Variance(TKXCustomChart* SourceChart, int32_t IndexLow,
                                         int32_t IndexHigh, TDateTime&, int32_t SourceDim) {
-  const TKXChartValueTypeArray A = ToArray(SourceChart, IndexLow, IndexHigh, SourceDim);
-  return A.size() < 2 ? NaN : kx::Variance(A);
+  return Statistic<kx::Variance, 2>(SourceChart, IndexLow, IndexHigh, SourceDim);
 }
 
 double TKXCustomChartFunction::PopnVariance(TKXCustomChart* SourceChart, int32_t IndexLow,
                                             int32_t IndexHigh, TDateTime&, int32_t SourceDim) {
-  const TKXChartValueTypeArray A = ToArray(SourceChart, IndexLow, IndexHigh, SourceDim);
-  return A.empty() ? NaN : kx::PopnVariance(A);
+  return Statistic<kx::PopnVariance, 1>(SourceChart, IndexLow, IndexHigh, SourceDim);
 }
 
 double TKXCustomChartFunction::StdDev(TKXCustomChart* SourceChart, int32_t IndexLow,
                                       int32_t IndexHigh, TDateTime&, int32_t SourceDim) {
-  const TKXChartValueTypeArray A = ToArray(SourceChart, IndexLow, IndexHigh, SourceDim);
-  return A.size() < 2 ? NaN : kx::StdDev(A);
+  return Statistic<kx::StdDev, 2>(SourceChart, IndexLow, IndexHigh, SourceDim);
 }
 
 double TKXCustomChartFunction::PopnStdDev(TKXCustomChart* SourceChart, int32_t IndexLow,
                                           int32_t IndexHigh, TDateTime&, int32_t SourceDim) {
-  const TKXChartValueTypeArray A = ToArray(SourceChart, IndexLow, IndexHigh, SourceDim);
-  return A.empty() ? NaN : kx::PopnStdDev(A);
+  return Statistic<kx::PopnStdDev, 1>(SourceChart, IndexLow, IndexHigh, SourceDim);
 }
 
 double TKXCustomChartFunction::SumOfSquares(TKXCustomChart* SourceChart, int32_t IndexLow,
                                             int32_t IndexHigh, TDateTime&, int32_t SourceDim) {
-  return kx::SumOfSquares(ToArray(SourceChart, IndexLow, IndexHigh, SourceDim));
+  return Statistic<kx::SumOfSquares, 0>(SourceChart, IndexLow, IndexHigh, SourceDim);
 }
 
 double TKXCustomChartFunction::Norm(TKXCustomChart* SourceChart, int32_t IndexLow,
                                     int32_t IndexHigh, TDateTime&, int32_t SourceDim) {
-  return kx::Norm(ToArray(SourceChart, IndexLow, IndexHigh, SourceDim));
+  return Statistic<kx::Norm, 0>(SourceChart, IndexLow, IndexHigh, SourceDim);
 }
 
 // --- Adding forms ---
