@@ -38,12 +38,8 @@ TEST_F(FunctionFixture, FollowsEveryValueChangeOfItsSource) {
 TEST_F(FunctionFixture, RefusesOneChartAsSourceAndTargetAndChangesNothing) {
   FillRamp(3);
   Wire(cfSum, fpAll, 1);
-  try {
-    Function->SetSourceChart(Target);
-    FAIL() << "no exception";
-  } catch (const EKXChartException& E) {
-    EXPECT_EQ(E.Message(), SSourceTargetChartEqual);
-  }
+  EXPECT_EQ(test::MessageOf<EKXChartException>([&] { Function->SetSourceChart(Target); }),
+            SSourceTargetChartEqual);
   EXPECT_THROW(Function->SetTargetChart(Source), EKXChartException);
   EXPECT_EQ(Function->SourceChart(), Source);
   EXPECT_EQ(Function->TargetChart(), Target);
@@ -81,7 +77,7 @@ TEST_F(FunctionFixture, AFreedFunctionLeavesItsSourcesListeners) {
 TEST_F(FunctionFixture, SettersClampAsTheyStore) {
   Source->Values()->Add(1, 1);
   Function->SetSourceChart(Source);
-  for (double Bad : {0.0, -3.0, std::nan("")}) {
+  for (double Bad : {0.0, -3.0, test::NaN}) {
     Function->SetPeriodValue(5);
     Function->SetPeriodValue(Bad);
     EXPECT_EQ(Function->PeriodValue(), 0.1) << Bad;

@@ -1,7 +1,6 @@
 // Every function type and every period kind on small sources with results worked out by
 // hand: what the target holds (stamp in X, result in Y) after one calculation.
 #include <cmath>
-#include <limits>
 #include <string>
 
 #include "KXFunctionsTestSupport.h"
@@ -13,9 +12,8 @@ namespace {
 using test::ExpectXY;
 using test::FunctionFixture;
 using test::ReadXY;
+using test::NaN;
 using test::TXYList;
-
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 // --- The calculations over one period of all values ---
 

@@ -11,6 +11,7 @@
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/functions/KXChartFunction.h"
+#include "support/KXTestSupport.h"
 
 namespace kx::test {
 
