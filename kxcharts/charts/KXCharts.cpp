@@ -16,6 +16,7 @@ void StartChartsModule() {
     RegisterChart(ClassOf<TKXAreaChart>());
     RegisterChart(ClassOf<TKXShapeChart>());
     RegisterChart(ClassOf<TKXScatterChart>());
+    RegisterChart(ClassOf<TKXPieChart>());
   });
 }
 
