@@ -29,6 +29,8 @@ struct TPieForm {
     for (TKXChartAxis* Axis : {Panel->BottomAxis(), Panel->LeftAxis()})
       Axis->SetVisible(false);
     Panel->Legend()->SetLegendStyle(lsValues);
+    Panel->Legend()->SetTextStyle(ltsCaptionValue);
+    Panel->Legend()->SetOverlay(false);
   }
 
   // A chart of Kind with the sample values of a budget.
@@ -44,20 +46,21 @@ struct TPieForm {
   }
 };
 
-// Each slice labelled with its caption and share.
+// Each slice labelled with its share, the legend beside it naming the values.
 void PaintPie(TCanvas* C, const TRect& Area) {
   TPieForm F(Area);
   auto* Pie = F.Chart<TKXPieChart>("Budget");
-  Pie->SetValueLabelStyle(ltsCaptionPercent);
+  Pie->SetValueLabelStyle(ltsPercent);
   PaintPanel(C, F.Panel, Area);
 }
 
 // Salaries pushed 24 pixels out of the pie, Travel selected (in the selection colour); the
-// pie turned by 30 degrees.
+// pie turned by 30 degrees and drawn at 85 per cent, so that the pushed slice stays inside.
 void PaintExploded(TCanvas* C, const TRect& Area) {
   TPieForm F(Area);
   auto* Pie = F.Chart<TKXPieChart>("Budget");
   Pie->SetOffset(30);
+  Pie->SetOuterRadius(0.85f);
   Pie->SetOptions(Pie->Options() + coSelectable);
   Pie->Values()->Items(1)->SetExplode(24);
   Pie->Values()->Items(2)->SetSelected(true);
@@ -69,11 +72,11 @@ void PaintExploded(TCanvas* C, const TRect& Area) {
 void AddPieSheets(std::vector<TGallerySheet>& Sheets) {
   Sheets.push_back({"pie",
                     "TKXPieChart: each value a slice of its share of the whole, labelled "
-                    "with its caption and per cent (ltsCaptionPercent)",
+                    "with its per cent (ltsPercent); the legend lists the values",
                     SheetW, SheetH, PaintPie});
   Sheets.push_back({"pie-exploded",
-                    "A pie turned by 30 degrees (Offset) with Salaries pushed out (Explode 24) "
-                    "and Travel selected",
+                    "A pie turned by 30 degrees (Offset), OuterRadius 0.85, with Salaries "
+                    "pushed out (Explode 24) and Travel selected",
                     SheetW, SheetH, PaintExploded});
 }
 
