@@ -9,6 +9,7 @@
 #include "kxcharts/charts/bars/KXBarCharts.h"
 #include "kxcharts/charts/bubbles/KXBubbleCharts.h"
 #include "kxcharts/core/KXChartRegistry.h"
+#include "kxcharts/functions/KXChartFunction.h"
 
 namespace kx {
 
@@ -19,6 +20,7 @@ void StartChartModules() {
     StartChartPanelModule();
     StartChartsModule();
     StartBarChartsModule();
+    StartChartFunctionModule();
     StartBubbleChartsModule();
   });
 }

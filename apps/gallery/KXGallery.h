@@ -37,6 +37,7 @@ void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area);
 void AddChartKindSheets(std::vector<TGallerySheet>& Sheets);
 void AddPointSheets(std::vector<TGallerySheet>& Sheets);
 void AddBarSheets(std::vector<TGallerySheet>& Sheets);
+void AddPieSheets(std::vector<TGallerySheet>& Sheets);
 void AddLargeDataSheets(std::vector<TGallerySheet>& Sheets);
 void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
 void AddControlsSheets(std::vector<TGallerySheet>& Sheets);
@@ -47,5 +48,6 @@ void AddAxisSheets(std::vector<TGallerySheet>& Sheets);
 void AddPanelSheets(std::vector<TGallerySheet>& Sheets);
 void AddInteractionSheets(std::vector<TGallerySheet>& Sheets);
 void AddSavePictureSheets(std::vector<TGallerySheet>& Sheets);
+void AddFunctionSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

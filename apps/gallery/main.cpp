@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddChartKindSheets(Sheets);
   kx::gallery::AddPointSheets(Sheets);
   kx::gallery::AddBarSheets(Sheets);
+  kx::gallery::AddPieSheets(Sheets);
   kx::gallery::AddLargeDataSheets(Sheets);
   kx::gallery::AddToolkitSheets(Sheets);
   kx::gallery::AddControlsSheets(Sheets);
@@ -23,6 +24,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddPanelSheets(Sheets);
   kx::gallery::AddInteractionSheets(Sheets);
   kx::gallery::AddSavePictureSheets(Sheets);
+  kx::gallery::AddFunctionSheets(Sheets);
   try {
     kx::gallery::WriteGallery(Sheets, argv[1]);
   } catch (const std::exception& E) {

@@ -18,6 +18,7 @@ void StartChartsModule() {
     RegisterChart(ClassOf<TKXAreaChart>());
     RegisterChart(ClassOf<TKXShapeChart>());
     RegisterChart(ClassOf<TKXScatterChart>());
+    RegisterChart(ClassOf<TKXPieChart>());
   });
 }
 

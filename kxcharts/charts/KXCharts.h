@@ -6,6 +6,7 @@
 #include "kxcharts/charts/KXLineCharts.h"
 #include "kxcharts/charts/KXPointCharts.h"
 #include "kxcharts/charts/KXShapeCharts.h"
+#include "kxcharts/charts/KXPieChart.h"
 #include "kxcharts/charts/KXXYChartValues.h"
 
 namespace kx {

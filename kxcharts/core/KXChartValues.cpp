@@ -246,6 +246,7 @@ void TKXChartValue::Assign(const TPersistent* Source) {
     C->CountIn(this, +1);
     if (!Caption().empty()) C->FHasCaptions = true;
     C->FNeedMetaUpdate = true;
+    C->TellObservers(Index());
     C->LookChanged(this);
   }
   Changed(false);
@@ -294,6 +295,7 @@ TKXChartValues::~TKXChartValues() = default;
 void TKXChartValues::BeforeDestruction() {
   // No event for the values that go with the collection.
   FOnNotify = nullptr;
+  FObservers.clear();
   inherited::BeforeDestruction();
 }
 
@@ -334,6 +336,8 @@ void TKXChartValues::Notify(TCollectionItem* Item, TCollectionNotification Actio
     Value->FBits |= TKXChartValue::InValuesFlag;
   else if (Action == cnExtracting)
     Value->FBits &= static_cast<uint8_t>(~TKXChartValue::InValuesFlag);
+  // Also the silent moves: the places changed all the same.
+  if (Action != cnDeleting) TellObservers(Value->Index());
   if (FDoNotNotify) return;
   switch (Action) {
   case cnAdded:
@@ -378,6 +382,7 @@ void TKXChartValues::SetCount(int32_t Value) {
 void TKXChartValues::SetDateTimeAxes(TKXDimensionSet Value) {
   if (FDateTimeAxes == Value) return;
   FDateTimeAxes = Value;
+  TellObservers(0);
   Changed();
 }
 
@@ -408,6 +413,7 @@ void TKXChartValues::SelectNone() {
 
 void TKXChartValues::ValueChanged(TKXChartValue* Value, int32_t Dimension) {
   FNeedMetaUpdate = true;
+  if (Value->Collection() == this) TellObservers(Value->Index());
   if (FSorted && Dimension == GetSortByDimension() && Count() > 1 && Value->Collection() == this) {
     const int32_t Index = Value->Index();
     const double V = Value->GetValue(Dimension);
@@ -433,6 +439,25 @@ void TKXChartValues::VisibleChanged(TKXChartValue* Value) {
 }
 
 void TKXChartValues::LookChanged(TKXChartValue*) {}
+
+void TKXChartValues::ItemsMoved(int32_t From, int32_t To) {
+  inherited::ItemsMoved(From, To);
+  TellObservers(From);
+}
+
+void TKXChartValues::AddObserver(IChartValuesObserver* Observer) {
+  if (Observer && std::find(FObservers.begin(), FObservers.end(), Observer) == FObservers.end())
+    FObservers.push_back(Observer);
+}
+
+void TKXChartValues::RemoveObserver(IChartValuesObserver* Observer) {
+  std::erase(FObservers, Observer);
+}
+
+void TKXChartValues::TellObservers(int32_t Index) {
+  for (IChartValuesObserver* O : FObservers)
+    O->ValuesChanged(this, Index);
+}
 
 void TKXChartValues::SelectionChanged(TKXChartValue* Value) {
   FSelCount += Value->Selected() ? 1 : -1;

@@ -78,6 +78,23 @@ using TKXChartValueNotifyEvent =
 // at Index2.
 using TValuesSortCompare = int32_t (*)(TKXChartValues* Values, int32_t Index1, int32_t Index2);
 
+// --- IChartValuesObserver ---
+
+// What keeps data of its own by the index of the values it derives from (a chart function
+// that recalculates only what changed) registers one with the collection. Unlike the
+// chart's listeners, an observer hears every change by index, also inside BeginUpdate and
+// EndUpdate of the collection or the chart, so that after a batch it knows where the
+// values began to differ.
+class IChartValuesObserver {
+public:
+  virtual ~IChartValuesObserver() = default;
+  // The values from Index on may not be what they were: a number of the value at Index
+  // changed or was copied in, a value came or went at Index, the values from Index on
+  // moved, or (Index 0) a setting of the collection that tells how to read them changed.
+  // Told while the change happens: the observer must not change the values.
+  virtual void ValuesChanged(TKXChartValues* Values, int32_t Index) = 0;
+};
+
 // --- TKXChartValue ---
 
 class TKXChartValue : public TGCollectionItem {
@@ -277,6 +294,8 @@ private:
   // Set while a re-sort moves a value, so that the move itself is not told: the change
   // that caused it is told once, with the value.
   bool FMovingValue = false;
+  // Not owned; an observer that goes removes itself.
+  std::vector<IChartValuesObserver*> FObservers;
 
 public:
   // Raises Exception when ValueClass is not a TKXChartValue class.
@@ -397,6 +416,10 @@ public:
   // inside a bracket (where no Update reaches the collection); this level does nothing.
   virtual void LookChanged(TKXChartValue* Value);
 
+  // Adds Observer unless it is there. The collection does not own it.
+  void AddObserver(IChartValuesObserver* Observer);
+  void RemoveObserver(IChartValuesObserver* Observer);
+
 protected:
   // Fills the four metadata arrays from all values, visible or not, through
   // GetValueDimMinimum, GetValueDimMaximum and SetMetaData. Descendants with metadata of
@@ -426,6 +449,7 @@ protected:
   void AssignTo(TPersistent* Dest) const override;
   void Notify(TCollectionItem* Item, TCollectionNotification Action) override;
   void Update(TCollectionItem* Item) override;
+  void ItemsMoved(int32_t From, int32_t To) override;
   // Limit, Sorted, SortOrder.
   void DefineProperties(TFiler& Filer) override;
 
@@ -438,6 +462,7 @@ private:
   void EnsureMetaData() const;
   void MoveValue(TKXChartValue* Value, int32_t NewIndex);
   void CountIn(const TKXChartValue* Value, int32_t Sign);
+  void TellObservers(int32_t Index);
 };
 
 // The comparison Sort uses: the numbers on the sort dimension, equal within 0.0001, in

@@ -41,6 +41,7 @@ TEST(ChartModules, StartingTwiceRegistersEachKindOnce) {
   ASSERT_NE(GetChartClass(ctLine), nullptr);
   EXPECT_EQ(std::string(GetChartClass(ctLine)->ClassName()), "TKXLineChart");
   EXPECT_NE(GetClass("TKXChartPanel"), nullptr);
+  EXPECT_NE(GetClass("TKXChartFunction"), nullptr);
 }
 
 // The README's list of chart kinds is what a newcomer reads first: it names every kind the

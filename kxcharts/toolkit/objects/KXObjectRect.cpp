@@ -92,6 +92,12 @@ void TKXPosition::Assign(const TPersistent* Source) {
   inherited::Assign(Source);
 }
 
+void TKXPosition::DefineProperties(TFiler& Filer) {
+  inherited::DefineProperties(Filer);
+  Filer.Property("X", this, &TKXPosition::X, &TKXPosition::SetX, 0.0);
+  Filer.Property("Y", this, &TKXPosition::Y, &TKXPosition::SetY, 0.0);
+}
+
 void TKXPosition::Changed() {
   if (FOnChange) FOnChange(this);
 }

@@ -83,6 +83,8 @@ public:
 protected:
   // Raises OnChange; runs after every effective change.
   virtual void Changed();
+  // X, Y (each left out at 0).
+  void DefineProperties(TFiler& Filer) override;
 
 private:
   double FX = 0;
