@@ -54,11 +54,8 @@ void TKXCustomChartPointInfo::InternalDraw(TCanvas* Canvas, const TRect& ARect) 
 void TKXCustomChartPointInfo::DrawPoint(TCanvas* Canvas, const TRect& ARect, float Opacity,
                                         const TImageList* Images, int32_t ImageIndex) {
   if (Opacity == 0.0f) return;
-  const int64_t Span = std::abs(int64_t{ARect.Right} - int64_t{ARect.Left});
-  const auto Width = static_cast<int32_t>(std::min<int64_t>(Span, INT32_MAX));
-  const int32_t LineWidth = CanvasMax({1, CanvasDiv(Width, 20)});
   DrawShape(Canvas, ARect, Images, ImageIndex, FStyle, FDefaultStyle, true, clBtnHighlight,
-            clBtnShadow, LineWidth);
+            clBtnShadow, ShapeBevelWidth(ARect));
 }
 
 void TKXCustomChartPointInfo::Assign(const TPersistent* Source) {

@@ -195,25 +195,17 @@ void TKXCustomPointChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValu
                                              bool AdjustFont, bool AdjustPen) {
   SetCanvasResources(Canvas, FPointsInfo->Brush(), FPointsInfo->Pen(), FFont.get(), AdjustFont,
                      AdjustPen);
-  if (!Value) return;
-  const bool Selected = Value->Selected();
-  if (AdjustPen && Selected && FOptions.Contains(coSelectionPen))
-    Canvas->Pen()->SetWidth(Canvas->Pen()->Width() + 1);
-  Canvas->Brush()->SetColor(Selected && FOptions.Contains(coSelectionFill) ? FSelectionColor
-                                                                          : GetColor(Value));
+  if (Value) SetValueLook(Canvas, Value, AdjustPen);
 }
 
 void TKXCustomPointChart::DrawGlyph(TCanvas* Canvas, const TKXChartValue* Value,
                                     const TRect& ARect) {
-  TOwned<TBrush> B;
-  TOwned<TPen> P;
-  TOwned<TFont> F;
-  SaveCanvasResources(Canvas, B, P, F);
-  TFinally Restore([&, this] { SetCanvasResources(Canvas, B.get(), P.get(), F.get(), false, false); });
-  SetCanvasResources(Canvas, Value, false, false);
-  const auto* Image = dynamic_cast<const TKX2DImageChartValue*>(Value);
-  FPointsInfo->DrawPoint(Canvas, ARect, FOpacity * (Value ? Value->Opacity() : 1.0f), FImageList,
-                         Image ? Image->ImageIndex() : -1);
+  KeepCanvasResources(Canvas, [&] {
+    SetCanvasResources(Canvas, Value, false, false);
+    const auto* Image = dynamic_cast<const TKX2DImageChartValue*>(Value);
+    FPointsInfo->DrawPoint(Canvas, ARect, FOpacity * (Value ? Value->Opacity() : 1.0f),
+                           FImageList, Image ? Image->ImageIndex() : -1);
+  });
 }
 
 // --- TKXCustomPointChart: drawing ---
@@ -360,15 +352,8 @@ void TKXCustomPointChart::DrawPoint(TCanvas* Canvas, const TRect& ARect,
                                     TKXPointChartValue* Value) {
   const float Opacity = FOpacity * Value->Opacity();
   if (Opacity == 0.0f) return;
-  TRect R = ARect;
-  if (Value->Scale() != 1.0f)
-    R = ScaleRect(R, std::fabs(KXRectWidth(R)) * (Value->Scale() - 1.0),
-                  std::fabs(KXRectHeight(R)) * (Value->Scale() - 1.0));
-  if (!FOptions.Contains(coNoChartShadow) && FPanel && FPanel->ChartShadow()->Visible()) {
-    TKXChartShadow* Shadow = FPanel->ChartShadow();
-    SetCanvasResources(Canvas, Shadow->Brush(), Shadow->Pen(), nullptr, true, true);
-    Shadow->Draw(Canvas, Shadow->ShadowRect(R, false, Canvas), FPointsInfo->Style(), 1.0f);
-  }
+  const TRect R = Value->ScaledRect(ARect);
+  DrawShapeShadow(Canvas, R, FPointsInfo->Style(), 1.0f);
   SetCanvasResources(Canvas, Value, true, true);
   bool DefaultDraw = true;
   if (FOnCustomDrawValue) FOnCustomDrawValue(this, Canvas, R, Value, DefaultDraw);

@@ -275,25 +275,17 @@ void TKXCustomShapeChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
 }
 
 void TKXCustomShapeChart::DrawShape(TCanvas* Canvas, const TRect& Rect, TKXShapeChartValue* Value) {
-  TRect R = GetShapeRect(Rect, Value);
-  if (R == TRect{}) return;
-  if (Value->Scale() != 1.0f)
-    R = ScaleRect(R, std::fabs(KXRectWidth(R)) * (Value->Scale() - 1.0),
-                  std::fabs(KXRectHeight(R)) * (Value->Scale() - 1.0));
-  if (!FOptions.Contains(coNoChartShadow) && FPanel && FPanel->ChartShadow()->Visible()) {
-    TKXChartShadow* Shadow = FPanel->ChartShadow();
-    SetCanvasResources(Canvas, Shadow->Brush(), Shadow->Pen(), nullptr, true, true);
-    Shadow->Draw(Canvas, Shadow->ShadowRect(R, false, Canvas), Value->Style(),
-                 FOpacity * Value->Opacity());
-  }
+  const TRect Place = GetShapeRect(Rect, Value);
+  if (Place == TRect{}) return;
+  const TRect R = Value->ScaledRect(Place);
+  DrawShapeShadow(Canvas, R, Value->Style(), FOpacity * Value->Opacity());
   SetCanvasResources(Canvas, Value, true, true);
   bool DefaultDraw = true;
   if (FOnCustomDrawValue) FOnCustomDrawValue(this, Canvas, Rect, Value, DefaultDraw);
   if (!DefaultDraw) return;
-  const int32_t LineWidth =
-      static_cast<int32_t>(std::max(1.0, std::fabs(KXRectWidth(R)) / 20.0));
   kx::DrawShape(Canvas, R, FImageList, Value->ImageIndex(), Value->Style(),
-                FPointsInfo->DefaultStyle(), true, clBtnHighlight, clBtnShadow, LineWidth);
+                FPointsInfo->DefaultStyle(), true, clBtnHighlight, clBtnShadow,
+                ShapeBevelWidth(R));
   if (FOptions.Contains(coValueLabels)) DrawLabel(Canvas, Value, R);
 }
 
@@ -305,11 +297,7 @@ void TKXCustomShapeChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValu
     return;
   }
   SetCanvasResources(Canvas, Shape->Brush(), Shape->Pen(), Shape->Font(), AdjustFont, AdjustPen);
-  const bool Selected = Value->Selected();
-  if (AdjustPen && Selected && FOptions.Contains(coSelectionPen))
-    Canvas->Pen()->SetWidth(Canvas->Pen()->Width() + 1);
-  Canvas->Brush()->SetColor(Selected && FOptions.Contains(coSelectionFill) ? FSelectionColor
-                                                                          : GetColor(Value));
+  SetValueLook(Canvas, Value, AdjustPen);
 }
 
 void TKXCustomShapeChart::DrawLabel(TCanvas* Canvas, const TKXChartValue* Value,
@@ -325,16 +313,12 @@ void TKXCustomShapeChart::DrawGlyph(TCanvas* Canvas, const TKXChartValue* Value,
     inherited::DrawGlyph(Canvas, Value, ARect);
     return;
   }
-  TOwned<TBrush> B;
-  TOwned<TPen> P;
-  TOwned<TFont> F;
-  SaveCanvasResources(Canvas, B, P, F);
-  TFinally Restore([&, this] { SetCanvasResources(Canvas, B.get(), P.get(), F.get(), false, false); });
-  SetCanvasResources(Canvas, Value, false, false);
-  const int32_t LineWidth =
-      static_cast<int32_t>(std::max(1.0, std::fabs(KXRectWidth(ARect)) / 20.0));
-  kx::DrawShape(Canvas, ARect, FImageList, Shape->ImageIndex(), Shape->Style(),
-                FPointsInfo->DefaultStyle(), true, clBtnHighlight, clBtnShadow, LineWidth);
+  KeepCanvasResources(Canvas, [&] {
+    SetCanvasResources(Canvas, Value, false, false);
+    kx::DrawShape(Canvas, ARect, FImageList, Shape->ImageIndex(), Shape->Style(),
+                  FPointsInfo->DefaultStyle(), true, clBtnHighlight, clBtnShadow,
+                  ShapeBevelWidth(ARect));
+  });
 }
 
 // --- TKXShapeChart ---

@@ -80,6 +80,12 @@ const std::string& TKXChartValue::Caption() const {
   return FExtra ? FExtra->Caption : EmptyText();
 }
 
+TRect TKXChartValue::ScaledRect(const TRect& R) const {
+  if (FScale == 1.0f) return R;
+  return ScaleRect(R, std::fabs(KXRectWidth(R)) * (FScale - 1.0),
+                   std::fabs(KXRectHeight(R)) * (FScale - 1.0));
+}
+
 void TKXChartValue::SetCaption(const std::string& Value) {
   if (Caption() == Value) return;
   Extra().Caption = Value;

@@ -145,6 +145,8 @@ public:
   TDateTime AsDateTime() const { return GetAsDateTime(0); }
   void SetAsDateTime(TDateTime Value) { SetAsDateTime(0, Value); }
   float Scale() const { return FScale; }
+  // R grown about its middle by Scale (an inverted R as it stands); R itself at Scale 1.
+  TRect ScaledRect(const TRect& R) const;
   // Negative numbers (and NaN) are stored as 0.
   void SetScale(float Value);
   float Opacity() const { return FOpacity; }

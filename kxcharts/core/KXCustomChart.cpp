@@ -716,7 +716,10 @@ void TKXCustomChart::SetCanvasResources(TCanvas* Canvas, const TBrush* ABrush, c
 void TKXCustomChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValue* Value,
                                         bool AdjustFont, bool AdjustPen) {
   SetCanvasResources(Canvas, FBrush.get(), FPen.get(), FFont.get(), AdjustFont, AdjustPen);
-  if (!Value) return;
+  if (Value) SetValueLook(Canvas, Value, AdjustPen);
+}
+
+void TKXCustomChart::SetValueLook(TCanvas* Canvas, const TKXChartValue* Value, bool AdjustPen) {
   const bool Selected = Value->Selected();
   if (AdjustPen && Selected && FOptions.Contains(coSelectionPen))
     Canvas->Pen()->SetWidth(Canvas->Pen()->Width() + 1);
@@ -724,6 +727,16 @@ void TKXCustomChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValue* Va
     Canvas->Brush()->SetColor(FSelectionColor);
   else
     Canvas->Brush()->SetColor(GetColor(Value));
+}
+
+TKXChartShadow* TKXCustomChart::DrawShapeShadow(TCanvas* Canvas, const TRect& ARect,
+                                                TKXShapeStyle Style, float Opacity) {
+  if (FOptions.Contains(coNoChartShadow) || !FPanel || !FPanel->ChartShadow()->Visible())
+    return nullptr;
+  TKXChartShadow* Shadow = FPanel->ChartShadow();
+  SetCanvasResources(Canvas, Shadow->Brush(), Shadow->Pen(), nullptr, true, true);
+  Shadow->Draw(Canvas, Shadow->ShadowRect(ARect, false, Canvas), Style, Opacity);
+  return Shadow;
 }
 
 void TKXCustomChart::SaveCanvasResources(TCanvas* Canvas, TOwned<TBrush>& ABrush,

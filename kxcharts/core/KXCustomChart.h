@@ -23,16 +23,19 @@
 #include "kxcharts/toolkit/graphics/KXCanvas.h"
 #include "kxcharts/toolkit/objects/KXClasses.h"
 #include "kxcharts/toolkit/chartkit/KXCommonCharts.h"
+#include "kxcharts/toolkit/chartkit/KXVclGraphics.h"
 #include "kxcharts/toolkit/controls/KXControls.h"
 #include "kxcharts/toolkit/runtime/KXEnum.h"
 #include "kxcharts/toolkit/graphics/KXGraphicObjects.h"
 #include "kxcharts/toolkit/objects/KXLists.h"
 #include "kxcharts/toolkit/runtime/KXSet.h"
+#include "kxcharts/toolkit/runtime/KXSysUtils.h"
 #include "kxcharts/toolkit/runtime/KXTypes.h"
 
 namespace kx {
 
 class TKXChartAxis;
+class TKXChartShadow;
 class TKXCustomChartPanel;
 class TKXCustomChart;
 
@@ -385,6 +388,26 @@ public:
   // The same with given objects (each may be nil, which leaves that one of the canvas).
   void SetCanvasResources(TCanvas* Canvas, const TBrush* ABrush, const TPen* APen,
                           const TFont* AFont, bool AdjustFont, bool AdjustPen);
+  // The look of one value over what the canvas holds: one pixel more pen when the value is
+  // selected and coSelectionPen holds (with AdjustPen), the brush in the selection colour
+  // (selected, coSelectionFill) or GetColor(Value).
+  void SetValueLook(TCanvas* Canvas, const TKXChartValue* Value, bool AdjustPen);
+  // The shadow pass of one shape: when the chart casts a shadow (in a panel whose
+  // ChartShadow is visible, without coNoChartShadow), the shadow of a shape of Style at ARect
+  // in the shadow's brush and pen with Opacity, and the shadow; else nil.
+  TKXChartShadow* DrawShapeShadow(TCanvas* Canvas, const TRect& ARect, TKXShapeStyle Style,
+                                  float Opacity);
+  // Draw(), with the canvas's brush, pen and font given back afterwards, also when an
+  // exception passes (legend pictures draw on the legend's canvas).
+  template <class F> void KeepCanvasResources(TCanvas* Canvas, F&& Draw) {
+    TOwned<TBrush> B;
+    TOwned<TPen> P;
+    TOwned<TFont> Fo;
+    SaveCanvasResources(Canvas, B, P, Fo);
+    TFinally Restore(
+        [&, this] { SetCanvasResources(Canvas, B.get(), P.get(), Fo.get(), false, false); });
+    Draw();
+  }
   // Copies of the canvas's brush, pen and font, made by CreateBrush, CreatePen,
   // CreateFont; the caller keeps them.
   void SaveCanvasResources(TCanvas* Canvas, TOwned<TBrush>& ABrush, TOwned<TPen>& APen,

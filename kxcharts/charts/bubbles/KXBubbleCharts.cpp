@@ -358,25 +358,17 @@ void TKXBubbleChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
 
 void TKXBubbleChart::DrawBubble(TCanvas* Canvas, const TRect& ARect, TKXBubbleChartValue* Value) {
   if (FOpacity * Value->Opacity() == 0.0f) return;
-  TRect B = ARect;
-  if (Value->Scale() != 1.0f)
-    B = ScaleRect(B, std::fabs(KXRectWidth(B)) * (Value->Scale() - 1.0),
-                  std::fabs(KXRectHeight(B)) * (Value->Scale() - 1.0));
-  if (!FOptions.Contains(coNoChartShadow) && FPanel && FPanel->ChartShadow()->Visible()) {
-    TKXChartShadow* Shadow = FPanel->ChartShadow();
-    SetCanvasResources(Canvas, Shadow->Brush(), Shadow->Pen(), nullptr, true, true);
-    Shadow->Draw(Canvas, Shadow->ShadowRect(B, false, Canvas), FStyle, 1.0f);
+  TRect B = Value->ScaledRect(ARect);
+  if (const TKXChartShadow* Shadow = DrawShapeShadow(Canvas, B, FStyle, 1.0f))
     B = Shadow->NonShadowRect(B, false, Canvas);
-  }
   SetCanvasResources(Canvas, Value, true, true);
   if (Value->Size() < 0.0 && !(Value->Selected() && FOptions.Contains(coSelectionFill)))
     Canvas->Brush()->SetColor(FNegativeSizeColor);
   bool DefaultDraw = true;
   if (FOnCustomDrawValue) FOnCustomDrawValue(this, Canvas, B, Value, DefaultDraw);
   if (!DefaultDraw) return;
-  const int32_t LineWidth = static_cast<int32_t>(std::max(1.0, std::fabs(KXRectWidth(B)) / 20.0));
   DrawShape(Canvas, B, static_cast<const TImageList*>(nullptr), -1, FStyle, shpEllipse, true,
-            clBtnHighlight, clBtnShadow, LineWidth);
+            clBtnHighlight, clBtnShadow, ShapeBevelWidth(B));
   if (FOptions.Contains(coValueLabels)) DrawLabel(Canvas, Value, B);
 }
 
@@ -394,16 +386,11 @@ void TKXBubbleChart::DrawLabel(TCanvas* Canvas, const TKXChartValue* Value, cons
 }
 
 void TKXBubbleChart::DrawGlyph(TCanvas* Canvas, const TKXChartValue* Value, const TRect& ARect) {
-  TOwned<TBrush> Br;
-  TOwned<TPen> P;
-  TOwned<TFont> F;
-  SaveCanvasResources(Canvas, Br, P, F);
-  TFinally Restore([&, this] { SetCanvasResources(Canvas, Br.get(), P.get(), F.get(), false, false); });
-  SetCanvasResources(Canvas, Value, false, false);
-  const int32_t LineWidth =
-      static_cast<int32_t>(std::max(1.0, std::fabs(KXRectWidth(ARect)) / 20.0));
-  DrawShape(Canvas, ARect, static_cast<const TImageList*>(nullptr), -1, FStyle, shpEllipse, true,
-            clBtnHighlight, clBtnShadow, LineWidth);
+  KeepCanvasResources(Canvas, [&] {
+    SetCanvasResources(Canvas, Value, false, false);
+    DrawShape(Canvas, ARect, static_cast<const TImageList*>(nullptr), -1, FStyle, shpEllipse, true,
+              clBtnHighlight, clBtnShadow, ShapeBevelWidth(ARect));
+  });
 }
 
 } // namespace kx

@@ -347,6 +347,10 @@ TRect FitPicture(const TRect& B, int32_t W, int32_t H) {
 
 } // namespace
 
+int32_t ShapeBevelWidth(const TRect& R) {
+  return static_cast<int32_t>(std::max(1.0, std::fabs(KXRectWidth(R)) / 20.0));
+}
+
 TRect ShapeInnerRect(const TRect& R, TKXShapeStyle Style, int32_t PenWidth, int32_t BevelWidth) {
   bool Lit;
   const TKXShapeStyle Base = BaseStyle(Style, Lit);

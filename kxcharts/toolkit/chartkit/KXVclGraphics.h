@@ -83,6 +83,8 @@ TRect DrawShape(TCanvas* Canvas, const TRect& R, const TBitmap* Bitmap, TKXShape
 TRect DrawShape(TCanvas* Canvas, const TRect& R, const TImageList* Images, int32_t ImageIndex,
                 TKXShapeStyle Style, TKXShapeStyle DefaultStyle, bool Raised, TColor Highlight,
                 TColor Shadow, int32_t BevelWidth);
+// The rim a chart gives a shape of R: a twentieth of its width, at least 1.
+int32_t ShapeBevelWidth(const TRect& R);
 // The rectangle DrawShape answers, without drawing.
 TRect ShapeInnerRect(const TRect& R, TKXShapeStyle Style, int32_t PenWidth, int32_t BevelWidth);
 
