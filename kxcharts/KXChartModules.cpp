@@ -8,6 +8,7 @@
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
 #include "kxcharts/charts/bubbles/KXBubbleCharts.h"
+#include "kxcharts/charts/donuts/KXDonutCharts.h"
 #include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/functions/KXChartFunction.h"
 
@@ -22,6 +23,7 @@ void StartChartModules() {
     StartBarChartsModule();
     StartChartFunctionModule();
     StartBubbleChartsModule();
+    StartDonutChartsModule();
   });
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <random>
 
+#include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
 
@@ -16,7 +17,8 @@ constexpr int32_t HelpHeight = 26;
 
 const char* const HelpText =
     "Left drag: zoom into the box (Shift keeps the plot's shape)   |   Drag right to left: "
-    "unzoom   |   Alt + drag: pan a zoomed chart   |   Ctrl + drag on the bars: select   |   "
+    "unzoom   |   Alt + drag: pan a zoomed chart   |   Ctrl + click or drag on the bars or the "
+    "pie: select   |   "
     "Wheel on the million values: zoom";
 
 // A chart without per-value colours and labels: one line, one colour.
@@ -47,6 +49,22 @@ void BuildBars(TDemo& Demo, TKXChartPanel* Panel) {
   for (int I = 0; I < 12; ++I)
     Bars->Values()->Add(40 + 30 * std::sin(I * 0.7) + 5 * I, Months[I]);
   Bars->SetPanel(Panel);
+  Panel->SetUserActions(Panel->UserActions() + uaSelect);
+  Panel->Legend()->SetVisible(false);
+}
+
+// A pie whose slices select with Ctrl and the mouse: a click takes the slice under it, a
+// rectangle every slice whose bounds it meets.
+void BuildPie(TDemo& Demo, TKXChartPanel* Panel) {
+  static const char* const Items[] = {"Rent", "Salaries", "Travel", "Equipment", "Other"};
+  static const double Numbers[] = {18, 42, 9, 14, 17};
+  auto* Pie = New<TKXPieChart>(Demo.Form.get());
+  Pie->SetCaption("Budget");
+  for (int I = 0; I < 5; ++I)
+    Pie->Values()->Add(Numbers[I], Items[I]);
+  Pie->SetPanel(Panel);
+  for (TKXChartAxis* Axis : {Panel->BottomAxis(), Panel->LeftAxis()})
+    Axis->SetVisible(false);
   Panel->SetUserActions(Panel->UserActions() + uaSelect);
   Panel->Legend()->SetVisible(false);
 }
@@ -109,6 +127,7 @@ const std::vector<TDemoPanel>& DemoPanels() {
   static const std::vector<TDemoPanel> Panels = {
       {"Line and area", BuildLineAndArea},
       {"Bars (Ctrl + drag selects)", BuildBars},
+      {"Pie (Ctrl + click or drag selects)", BuildPie},
       {"A live signal (Limit 400, a value every 40 ms)", BuildLive},
       {"One million values (the wheel zooms)", BuildMillion},
   };

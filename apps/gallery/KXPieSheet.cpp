@@ -1,10 +1,11 @@
 // The pie family as a user meets it: a pie with its slices labelled, a pie with one slice
-// pushed out and another selected.
+// pushed out and another selected, a donut, and free-form rings with gaps.
 #include <string>
 
 #include "gallery/KXGallery.h"
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
+#include "kxcharts/charts/donuts/KXDonutCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/controls/KXForms.h"
 
@@ -67,6 +68,30 @@ void PaintExploded(TCanvas* C, const TRect& Area) {
   PaintPanel(C, F.Panel, Area);
 }
 
+// The budget as a ring (TKXDonutChart), labelled with the captions.
+void PaintDonut(TCanvas* C, const TRect& Area) {
+  TPieForm F(Area);
+  F.Chart<TKXDonutChart>("Budget");
+  PaintPanel(C, F.Panel, Area);
+}
+
+// Two rings of free-form slices: the outer one the four quarters of a year with a gap
+// between each, the inner one the first half of the year month by month.
+void PaintDonutEx(TCanvas* C, const TRect& Area) {
+  TPieForm F(Area);
+  auto* Rings = New<TKXDonutChartEx>(F.Form.get());
+  Rings->SetCaption("Year");
+  const char* Quarters[] = {"Q1", "Q2", "Q3", "Q4"};
+  for (int I = 0; I < 4; ++I)
+    Rings->Values()->Add(90.0 * I + 4, 82, 0.72, 1.0, Quarters[I]);
+  const char* Months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun"};
+  // 60 degrees a month, with a gap of 4.
+  for (int I = 0; I < 6; ++I)
+    Rings->Values()->Add(60.0 * I + 2, 56, 0.38, 0.66, Months[I]);
+  Rings->SetPanel(F.Panel);
+  PaintPanel(C, F.Panel, Area);
+}
+
 } // namespace
 
 void AddPieSheets(std::vector<TGallerySheet>& Sheets) {
@@ -78,6 +103,14 @@ void AddPieSheets(std::vector<TGallerySheet>& Sheets) {
                     "A pie turned by 30 degrees (Offset), OuterRadius 0.85, with Salaries "
                     "pushed out (Explode 24) and Travel selected",
                     SheetW, SheetH, PaintExploded});
+  Sheets.push_back({"donut",
+                    "TKXDonutChart: the pie with a hole (InnerRadius 0.6), labelled with the "
+                    "captions",
+                    SheetW, SheetH, PaintDonut});
+  Sheets.push_back({"donut-ex",
+                    "TKXDonutChartEx: free-form slices, each with its own start, sweep and "
+                    "radii, in two rings with gaps",
+                    SheetW, SheetH, PaintDonutEx});
 }
 
 } // namespace kx::gallery
