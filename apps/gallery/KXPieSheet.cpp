@@ -89,6 +89,9 @@ void PaintDonutEx(TCanvas* C, const TRect& Area) {
   for (int I = 0; I < 6; ++I)
     Rings->Values()->Add(60.0 * I + 2, 56, 0.38, 0.66, Months[I]);
   Rings->SetPanel(F.Panel);
+  // A free-form value's number is its start angle: the legend names the slices only.
+  F.Panel->Legend()->SetTextStyle(ltsCaption);
+  F.Panel->Legend()->SetMaxRows(12);
   PaintPanel(C, F.Panel, Area);
 }
 

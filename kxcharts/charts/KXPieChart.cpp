@@ -29,12 +29,6 @@ TRect MovedRect(const TRect& R, double DX, double DY) {
           CanvasRound(R.Bottom + DY)};
 }
 
-// R grown by its own size times Scale - 1, about its middle.
-TRect ScaledRect(const TRect& R, float Scale) {
-  const double Grow = double(Scale) - 1.0;
-  return ScaleRect(R, std::abs(KXRectWidth(R)) * Grow, std::abs(KXRectHeight(R)) * Grow);
-}
-
 // The answer of a selection test once the hit is known: select takes a hit, toggle takes
 // a hit that is not selected yet, unselect takes nothing.
 bool SelectionAnswer(bool Hit, TKXChartSelectionAction Action, bool Selected) {
@@ -232,7 +226,9 @@ std::unique_ptr<TKXPathData> TKXPieChart::GetSlicePath(const TRect& Rect,
   TRect R = OriginRect(Rect);
   double Start, End;
   Value->GetDegrees(Start, End);
-  if (Value->Scale() != 1.0f) R = ScaledRect(R, Value->Scale());
+  // A free-form slice may start at no number; it is drawn nowhere, so it has no outline.
+  if (!std::isfinite(Start) || !std::isfinite(End)) return Path;
+  R = Value->ScaledRect(R);
   // Path angles turn the other way round than screen angles.
   Path->Arc(-Start, -End, Inner * 100.0, Outer * 100.0, -FOffset);
   // Built in the square from (-100, -100) to (100, 100), laid onto R.
@@ -260,7 +256,7 @@ TPoint TKXPieChart::DrawPieSlice(TCanvas* Canvas, const TRect& Rect, double Star
   if (Value->Explode() > 0.0f)
     R = MovedRect(R, CanvasTrunc(Value->Explode() * std::cos(Mid)),
                   CanvasTrunc(Value->Explode() * (0.0 - std::sin(Mid))));
-  if (Value->Scale() != 1.0f) R = ScaledRect(R, Value->Scale());
+  R = Value->ScaledRect(R);
   if (Flags.Contains(psSlice)) {
     const float Opacity = FOpacity * Value->Opacity();
     if (Inner == 0.0f)

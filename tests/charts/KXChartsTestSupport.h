@@ -120,4 +120,16 @@ protected:
   TOwned<TBitmap> Bitmap;
 };
 
+// The index of the one slice of Values that a click at (X, Y) selects, or -1; a click that
+// hits two slices fails the test.
+inline int32_t SliceHitAt(const TKXPieChartValues* Values, int32_t X, int32_t Y) {
+  int32_t Found = -1;
+  for (int32_t I = 0; I < Values->Count(); ++I)
+    if (Values->Items(I)->Selectable(KXRect(X, Y, X, Y), saSelect)) {
+      EXPECT_EQ(Found, -1) << "two slices hit at " << X << "," << Y;
+      Found = I;
+    }
+  return Found;
+}
+
 } // namespace kx::test

@@ -62,16 +62,7 @@ protected:
     Chart->Draw(Bitmap->Canvas(), R);
     return Bitmap.get();
   }
-  // The index of the one value a click at (X, Y) selects, or -1.
-  int32_t HitAt(int32_t X, int32_t Y) const {
-    int32_t Found = -1;
-    for (int32_t I = 0; I < Chart->Values()->Count(); ++I)
-      if (Chart->Values()->Items(I)->Selectable(KXRect(X, Y, X, Y), saSelect)) {
-        EXPECT_EQ(Found, -1) << "two slices hit at " << X << "," << Y;
-        Found = I;
-      }
-    return Found;
-  }
+  int32_t HitAt(int32_t X, int32_t Y) const { return test::SliceHitAt(Chart->Values(), X, Y); }
 
   TOwned<TChartsForm> Form;
   TRecPieChart* Chart = nullptr;

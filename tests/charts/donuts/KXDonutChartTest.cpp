@@ -40,16 +40,7 @@ protected:
     return Bitmap.get();
   }
   TColor At(int32_t X, int32_t Y) const { return Bitmap->Canvas()->Pixel(X, Y); }
-  // The index of the one value a click at (X, Y) selects, or -1.
-  int32_t HitAt(int32_t X, int32_t Y) const {
-    int32_t Found = -1;
-    for (int32_t I = 0; I < Chart->Values()->Count(); ++I)
-      if (Chart->Values()->Items(I)->Selectable(KXRect(X, Y, X, Y), saSelect)) {
-        EXPECT_EQ(Found, -1) << "two slices hit at " << X << "," << Y;
-        Found = I;
-      }
-    return Found;
-  }
+  int32_t HitAt(int32_t X, int32_t Y) const { return test::SliceHitAt(Chart->Values(), X, Y); }
 
   TOwned<TChartsForm> Form;
   T* Chart = nullptr;
@@ -202,6 +193,60 @@ TEST_F(DonutEx, LabelsAndHitsFollowEachValuesOwnRing) {
   const TPoint P = Chart->DrawPieSlice(Bitmap->Canvas(), {0, 0, 200, 100}, 0, 90, A,
                                        TPieSliceOptions{});
   EXPECT_EQ(P, (TPoint{153, 23}));
+}
+
+TEST_F(DonutEx, BadNumbersGiveADefinedPicture) {
+  constexpr double Inf = std::numeric_limits<double>::infinity();
+  // One value each; Inside is a pixel the slice covers and a click there hits it, Outside
+  // one it leaves alone. Radii go to the drawing as the value holds them, a negative one as 0 and
+  // an inner one above the outer one as the same band.
+  struct TCase {
+    const char* Name;
+    double Start, Sweep, Inner, Outer;
+    bool Painted;
+    TPoint Inside, Outside;
+  };
+  const TCase Cases[] = {
+      {"radii beyond the ellipse", 0, 90, 2, 3, false, {}, {}},
+      {"a negative inner radius is a pie slice", 0, 90, -1, 0.5, true, {130, 40}, {170, 20}},
+      {"inner above outer is the band between", 0, 90, 0.9, 0.5, true, {149, 25}, {121, 39}},
+      {"a sweep of no number", 0, Inf, 0.5, 1, false, {}, {}},
+      {"a huge sweep is a full ring", 0, 1e308, 0.5, 1, true, {15, 50}, {100, 50}},
+      {"a start of no number", NaN, 90, 0.5, 1, false, {}, {}},
+      {"radii of no number", 0, 90, NaN, Inf, false, {}, {}},
+      {"a huge start leaves no rounded degree", 1e308, 90, 0.5, 1, false, {}, {}},
+      // Radii are taken as at most a million times the chart's: the quarter fills.
+      {"huge radii", 0, 90, -1e308, 1e308, true, {150, 25}, {50, 25}},
+  };
+  for (const TCase& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    Chart->Values()->Clear();
+    Chart->Values()->Add(C.Start, C.Sweep, C.Inner, C.Outer, "x", clRed);
+    Draw();
+    EXPECT_EQ(CountPainted(Bitmap.get()) > 0, C.Painted);
+    // What is not drawn is not hit either, and asking raises nothing.
+    if (!C.Painted) {
+      EXPECT_EQ(HitAt(150, 25), -1);
+      continue;
+    }
+    EXPECT_EQ(At(C.Inside.X, C.Inside.Y), clRed);
+    EXPECT_EQ(At(C.Outside.X, C.Outside.Y), clWhite);
+    EXPECT_EQ(HitAt(C.Inside.X, C.Inside.Y), 0);
+  }
+  // Ten thousand slices of 11/128 degree (exact in binary, and no divisor of 360): 4189 fill
+  // a ring, and the chain goes on in three rings.
+  constexpr double Sweep = 11.0 / 128.0;
+  Chart->Values()->Clear();
+  {
+    TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+    for (int32_t I = 0; I < 10000; ++I)
+      Chart->Values()->Add(Sweep, "", I % 2 ? clRed : clBlue);
+  }
+  const TKXDonutChartExValue* Last = Chart->Values()->Items(9999);
+  EXPECT_DOUBLE_EQ(Last->StartAngle(), (9999 - 2 * 4189) * Sweep);
+  EXPECT_NEAR(Last->InnerRadius(), 0.4, 1e-9);
+  Draw();
+  EXPECT_GT(CountPainted(Bitmap.get()), 0);
 }
 
 TEST_F(DonutEx, StoredValuesComeBackAsAdded) {
