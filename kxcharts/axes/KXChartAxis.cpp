@@ -60,6 +60,11 @@ double Middle(double Lo, double Hi) {
   const double M = (Hi - Lo) / 2 + Lo;
   return std::isfinite(M) ? M : Lo / 2 + Hi / 2;
 }
+// (V - Lo) / (Hi - Lo), in halves where the width overflows.
+double Fraction(double V, double Lo, double Hi) {
+  const double Width = Hi - Lo;
+  return std::isfinite(Width) ? (V - Lo) / Width : (V / 2 - Lo / 2) / (Hi / 2 - Lo / 2);
+}
 double MirrorValue(double R, double Lo, double Hi) {
   const double V = Hi - (R - Lo);
   return std::isfinite(V) ? V : (Lo + Hi) - R;
@@ -459,12 +464,12 @@ int32_t TKXChartAxis::SimpleLogToPixel(double Value, TKXLogarithmicType Type, co
   Span(R, S, E);
   if (A == B) return E;
   const bool Inverse = Type == ltInverseLogarithmic;
-  double V = Inverse ? B - Value + A : Value;
+  double V = Inverse ? MirrorValue(Value, A, B) : Value;
   if (V < A) V = A;
   // The fraction of the range taken onto 1..11 before the logarithm, so that the range
   // itself need not be positive.
   const double L = static_cast<double>(
-      std::log(static_cast<long double>(((V - A) / (B - A)) * 10.0 + 1.0)) / FLnBase);
+      std::log(static_cast<long double>(Fraction(V, A, B) * 10.0 + 1.0)) / FLnBase);
   int32_t P = CanvasRound(((L - FLog1) / (FLog11 - FLog1)) * (static_cast<double>(E) - S) + S);
   if (Inverse) P = MirrorPixel(P, S, E);
   if (IsVertical()) P = MirrorPixel(P, S, E);

@@ -408,6 +408,8 @@ protected:
   // a label that would overlap the last one drawn is dropped. Hands the grid its interval
   // and start. Nothing without a zoomed range or a step.
   virtual TRect DrawLabels(TCanvas* Canvas, TRect ARect);
+  // One label that DrawLabels keeps, its text's top left at At.
+  virtual void DrawLabel(TCanvas* Canvas, double Value, const std::string& Text, const TPoint& At);
   // The line along the side of ARect, after the room of the major ticks.
   virtual TRect DrawAxisLine(TCanvas* Canvas, TRect ARect);
   // Draws Grid while painting; answers ARect.

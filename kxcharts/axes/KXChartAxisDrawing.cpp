@@ -28,6 +28,9 @@ double RangeLog10(double AMin, double AMax) {
   return std::log10(std::fabs(AMax / 2 - AMin / 2)) + std::log10(2.0);
 }
 
+// A label closer to 0 than this share of the step is the 0 that accumulated error missed.
+constexpr double ZeroWithinStep = 1e-9;
+
 bool UsableStep(double Step) {
   return Step > 0 && std::isfinite(Step);
 }
@@ -295,17 +298,24 @@ TRect TKXChartAxis::DrawLabels(TCanvas* Canvas, TRect ARect) {
   FGrid->FMajorGridInterval = UsableStep(Step) ? Step : 0.0;
   if (!UsableStep(Step)) return Result;
 
-  double V;
+  double Top;
   if (FSnapGrid) {
     // The whole-number part as a double: beyond 2^31 steps (1e20 in steps of 5000) a pixel
     // truncation would saturate and put the labels nowhere near the range.
     FGrid->FMajorGridStart = std::trunc(FZoomMaximum / Step) * Step;
-    V = FGrid->FMajorGridStart;
+    Top = FGrid->FMajorGridStart;
   } else {
     FGrid->FMajorGridStart = FZoomMaximum;
-    V = FMaximum;
+    Top = FMaximum;
   }
-  V = SkipDown(V, FZoomMaximum, Step);
+  Top = SkipDown(Top, FZoomMaximum, Step);
+  // Each label is worked out from the first one and its count, never by subtracting the
+  // step again and again: on a range as wide as the doubles the error that piles up would
+  // read as a label (-9.98E291 where 0 belongs). What is 0 within the step's precision is 0.
+  const auto LabelValue = [Top, Step](double K) {
+    const double V = Top - K * Step;
+    return std::fabs(V) < Step * ZeroWithinStep ? 0.0 : V;
+  };
 
   TKXCustomChart* Active = FCharts->ActiveChart();
   const bool Captions = Style == alsCaption && Active;
@@ -321,7 +331,8 @@ TRect TKXChartAxis::DrawLabels(TCanvas* Canvas, TRect ARect) {
     Layer.emplace(Canvas, FLabels->Opacity());
     Canvas->Brush()->SetStyle(bsClear);
   }
-  while (FZoomMinimum <= V && V <= FZoomMaximum) {
+  double V = LabelValue(0);
+  for (double K = 0; FZoomMinimum <= V && V <= FZoomMaximum;) {
     const std::string Text = Captions ? Active->GetAxisCaption(this, Index, V) : FormatValue(V);
     TSize Size = Canvas->TextExtent(Text);
     MaxSize = std::max(MaxSize, Size.cx);
@@ -350,12 +361,12 @@ TRect TKXChartAxis::DrawLabels(TCanvas* Canvas, TRect ARect) {
         else
           Size.cy = 0;
         const TRect At = LabelBox(P, Size.cx, Size.cy, Align);
-        Canvas->TextOut(At.Left, At.Top, Text);
+        DrawLabel(Canvas, V, Text, {At.Left, At.Top});
         First = false;
       }
     }
     // A step below the resolution of the value (1e20 in steps of 5000) ends the walk.
-    const double Next = V - Step;
+    const double Next = LabelValue(++K);
     if (!(Next < V)) break;
     V = Next;
   }
@@ -375,6 +386,10 @@ TRect TKXChartAxis::DrawLabels(TCanvas* Canvas, TRect ARect) {
     break;
   }
   return Result;
+}
+
+void TKXChartAxis::DrawLabel(TCanvas* Canvas, double, const std::string& Text, const TPoint& At) {
+  Canvas->TextOut(At.X, At.Y, Text);
 }
 
 TRect TKXChartAxis::DrawAxisLine(TCanvas* Canvas, TRect ARect) {
