@@ -186,7 +186,7 @@ void TKXAxisGrid::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     // whole rectangle, where the axis itself places each cycle; the band of a cycle, from
     // the pixel of its low bound to that of its high one, bounds its minor marks and the
     // room its labels would have. So vertical and reversed axes come out right as well.
-    const TLogCycles Cycles = CalcLogCycles(Lo, Hi, FAxis->LogBase());
+    const TLogCycles Cycles = CalcLogCycles(Lo, Hi, FAxis->ScaleBase());
     const size_t N = Cycles.size() - 1;
     for (size_t I = N; I >= 1; --I) {
       const double A = I == 1 ? ZoomMin : Cycles[I - 1].Value;

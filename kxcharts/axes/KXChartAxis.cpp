@@ -210,9 +210,9 @@ void TKXChartAxis::SetLogBase(int32_t Value) {
 }
 
 void TKXChartAxis::BaseChanged() {
-  FLog1 = ToSingle(LogN(FLogBase, 1.0));
-  FLog11 = ToSingle(LogN(FLogBase, 11.0));
-  FLnBase = std::log(static_cast<long double>(FLogBase));
+  FLog1 = ToSingle(LogN(ScaleBase(), 1.0));
+  FLog11 = ToSingle(LogN(ScaleBase(), 11.0));
+  FLnBase = std::log(static_cast<long double>(ScaleBase()));
 }
 
 void TKXChartAxis::SetFormat(const std::string& Value) {
@@ -539,7 +539,7 @@ double TKXChartAxis::SimplePixelToLog(double Pixel, TKXLogarithmicType Type, con
     Result = B;
   } else {
     const double T = (P - S) / (E - S);
-    Result = Lerp((Power(FLogBase, T * (FLog11 - FLog1) + FLog1) - 1.0) / 10.0, A, B);
+    Result = Lerp((Power(ScaleBase(), T * (FLog11 - FLog1) + FLog1) - 1.0) / 10.0, A, B);
   }
   if (Inverse) Result = MirrorValue(Result, A, B);
   return WithinRange(Result, A, B);
@@ -557,11 +557,11 @@ double TKXChartAxis::UnboundPixelToAxis(int32_t Pixel, const TRect& ChartRect) c
 // --- TKXChartAxis: log cycles ---
 
 const TLogCycles& TKXChartAxis::Cycles(double AMin, double AMax) const {
-  if (FCycleCache.empty() || AMin != FCycleMin || AMax != FCycleMax || FLogBase != FCycleBase) {
-    FCycleCache = CalcLogCycles(AMin, AMax, FLogBase);
+  if (FCycleCache.empty() || AMin != FCycleMin || AMax != FCycleMax || ScaleBase() != FCycleBase) {
+    FCycleCache = CalcLogCycles(AMin, AMax, ScaleBase());
     FCycleMin = AMin;
     FCycleMax = AMax;
-    FCycleBase = FLogBase;
+    FCycleBase = ScaleBase();
   }
   return FCycleCache;
 }

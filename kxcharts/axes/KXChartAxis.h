@@ -201,9 +201,13 @@ public:
   bool IsVertical() const { return FLocation == calLeft || FLocation == calRight; }
   // The value dimension the axis shows.
   int32_t Dimension() const { return FDimension; }
-  // The base of the logarithmic scales and of the log cycles. Not checked: a base below 2
-  // gives no useful scale (the mapping stays defined), and log cycles refuse it.
+  // The base of the logarithmic scales and of the log cycles, stored as given: what the
+  // scale uses is ScaleBase.
   int32_t LogBase() const { return FLogBase; }
+  // The base the logarithmic scale and its cycles use: LogBase, or 10 where LogBase (1 or
+  // below) has no logarithm. The scale itself does not depend on the base, which cancels
+  // out of it; a base without a logarithm would put every value nowhere.
+  int32_t ScaleBase() const { return FLogBase > 1 ? FLogBase : 10; }
   void SetLogBase(int32_t Value);
   // The number format of labels.
   const std::string& Format() const { return FFormat; }

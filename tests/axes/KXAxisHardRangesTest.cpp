@@ -126,5 +126,38 @@ TEST(LogScaleAtTheExtremes, PutsTheMiddleOfAnyFiniteRangeWhereTheScaleSays) {
   }
 }
 
+// A base without a logarithm scales as the default base: every value of the range, and
+// every label, stays on the axis.
+TEST(LogBase, ABaseWithoutALogarithmKeepsValuesAndLabelsOnTheAxis) {
+  for (bool Cycles : {false, true}) {
+    for (int32_t Base : {1, 0, -10, 2, 10}) {
+      SCOPED_TRACE(testing::Message() << "base " << Base << (Cycles ? " cycles" : ""));
+      auto A = test::MakeAxis<TLabelAxis>(calLeft, 1, 100);
+      A->SetOptions(A->Options() + aoLogarithmic);
+      A->SetLogCycles(Cycles);
+      A->SetLogBase(Base);
+      auto Ten = test::MakeAxis(calLeft, 1, 100);
+      Ten->SetOptions(Ten->Options() + aoLogarithmic);
+      Ten->SetLogCycles(Cycles);
+      const TRect Tall{0, 20, 40, 320};
+      for (double V : {1.0, 2.0, 10.0, 50.0, 100.0}) {
+        const int32_t Y = A->AxisToPixel(V, Tall);
+        EXPECT_GE(Y, Tall.Top) << V;
+        EXPECT_LE(Y, Tall.Bottom) << V;
+        if (Base > 1) continue;
+        EXPECT_EQ(Y, Ten->AxisToPixel(V, Tall)) << V;
+        EXPECT_DOUBLE_EQ(A->PixelToAxis(Y, Tall, false), Ten->PixelToAxis(Y, Tall, false)) << V;
+      }
+      std::vector<TLabelAxis::TLabel> Labels;
+      ASSERT_NO_THROW(Labels = Paint(A.get(), 200, 300));
+      EXPECT_FALSE(Labels.empty());
+      for (const auto& L : Labels) {
+        EXPECT_GE(L.At.Y, -8) << L.Text;
+        EXPECT_LE(L.At.Y, 300) << L.Text;
+      }
+    }
+  }
+}
+
 } // namespace
 } // namespace kx
