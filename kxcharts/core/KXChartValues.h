@@ -223,6 +223,12 @@ protected:
   // zeroing new ones: for a descendant that has more numbers than the collection it is
   // made in gives it.
   void Resize(int32_t Count);
+  // Writes the number of dimension Index without any notice: for a descendant that keeps
+  // its numbers in an order (low below high) and drags one along with another, telling
+  // once for the number that was set. An Index outside 0..ValueCount-1 is ignored.
+  void StoreValue(int32_t Index, double Value) {
+    if (static_cast<uint32_t>(Index) < FCount) Data()[Index] = Value;
+  }
 
 private:
   friend class TKXChartValues;

@@ -102,7 +102,7 @@ bool TKXBarChartValue::Selectable(const TRectF& SelRect, TKXChartSelectionAction
   const TKXCustomChartPanel* Panel = Chart ? Chart->Panel() : nullptr;
   if (!Panel) return inherited::Selectable(SelRect, Action);
   // A number that is no number has no bar to hit.
-  if (!std::isfinite(Value())) return false;
+  if (!TKXCustomBarChart::HasFiniteNumbers(this)) return false;
   const TRect Bar = FixRect(Chart->GetBarRect(Panel->ChartRect(), this));
   const TRect Sel = FixRect(
       TKXCustomChartPanel::AxesRectToRect(SelRect, Chart->HorizontalAxis(), Chart->VerticalAxis()));
@@ -362,8 +362,27 @@ bool TKXCustomBarChart::ClusterSlot(int32_t& Slot, int32_t& Slots) const {
 // --- TKXCustomBarChart: bar rectangles ---
 
 TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* Value) const {
-  return GetBarRect(ARect, Value, StackPrevious(), FBarSizePct / 200.0, GetAdjOrigin(),
+  return GetBarRect(ARect, Value, StackPrevious(), GetBarHalfSize(), GetAdjOrigin(),
                     GetAdjOffsetVertical());
+}
+
+double TKXCustomBarChart::GetBarCentre(const TKXBarChartValue* Value) const {
+  return Value->Index();
+}
+
+double TKXCustomBarChart::GetBarStep() const {
+  return 1.0;
+}
+
+double TKXCustomBarChart::GetBarHalfSize() const {
+  const double Step = GetBarStep();
+  return (Step > 0.0 && std::isfinite(Step) ? Step : 1.0) * FBarSizePct / 200.0;
+}
+
+bool TKXCustomBarChart::HasFiniteNumbers(const TKXChartValue* Value) {
+  for (const double N : Value->Numbers())
+    if (!std::isfinite(N)) return false;
+  return true;
 }
 
 TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* Value,
@@ -374,7 +393,10 @@ TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* 
   if (!Index || !ValueAxis) return {};
   const int32_t I = Value->Index();
   const double V = Value->Value();
-  const double Cum = PrevChart ? PrevChart->GetCumulativeValue(I, 0, ChartClass()) : 0.0;
+  // The stack adds up the bars' numbers, which are the values' default dimension; the
+  // values of one index stack, wherever a sparse kind puts them.
+  const int32_t Dim = FValues->DefaultDimension();
+  const double Cum = PrevChart ? PrevChart->GetCumulativeValue(I, Dim, ChartClass()) : 0.0;
   double E1, E2;
   switch (FGroupStyle) {
   case gsStacked:
@@ -382,7 +404,7 @@ TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* 
     E2 = Offset + std::max(Cum, Origin);
     break;
   case gsStacked100: {
-    const double Total = GetCumulativeTotal(I, 0, ChartClass());
+    const double Total = GetCumulativeTotal(I, Dim, ChartClass());
     const double Min = ValueAxis->Minimum(), Span = ValueAxis->Maximum() - Min;
     if (Total == 0.0 || !std::isfinite(Total)) {
       // Shares of nothing: the bar has no length, where the axis starts.
@@ -403,12 +425,20 @@ TRect TKXCustomBarChart::GetBarRect(const TRect& ARect, const TKXBarChartValue* 
       E2 = Offset + Cum;
     }
   }
-  double Centre = I, Half = BarHalfSize;
+  double Centre = GetBarCentre(Value), Half = BarHalfSize;
   int32_t Slot = 0, Slots = 1;
   if (FClustered && ClusterSlot(Slot, Slots)) {
     Half = BarHalfSize / Slots;
-    Centre = I - BarHalfSize + (2 * Slot + 1) * Half;
+    Centre = Centre - BarHalfSize + (2 * Slot + 1) * Half;
   }
+  return SpanRect(ARect, Centre, Half, E1, E2);
+}
+
+TRect TKXCustomBarChart::SpanRect(const TRect& ARect, double Centre, double Half, double E1,
+                                  double E2) const {
+  const TKXChartAxis* Index = IndexAxis();
+  const TKXChartAxis* ValueAxis = this->ValueAxis();
+  if (!Index || !ValueAxis) return {};
   const TAxisPixels Across(this, Index, ARect), Along(this, ValueAxis, ARect);
   const int32_t S1 = Across(Centre - Half);
   int32_t S2 = Across(Centre + Half);
@@ -471,9 +501,11 @@ void TKXCustomBarChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
   const int32_t First = std::max(FFirstIndex, 0), Last = std::min(FLastIndex, Count - 1);
 
   const double Origin = GetAdjOrigin();
-  const double Unit = double(Index->AxisToPixel(1.0, ARect)) - Index->AxisToPixel(0.0, ARect);
+  const double Step = GetBarStep();
+  const double Unit =
+      double(Index->AxisToPixel(std::isfinite(Step) ? Step : 0.0, ARect)) - Index->AxisToPixel(0.0, ARect);
   FBarSize = CanvasRound(Unit * FBarSizePct / 100.0);
-  const double BarHalfSize = FBarSizePct / 200.0;
+  const double BarHalfSize = GetBarHalfSize();
   const double Offset = GetAdjOffsetVertical();
   const TKXCustomChart* Prev = StackPrevious();
 
@@ -510,16 +542,15 @@ void TKXCustomBarChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
   }
   for (int32_t I = First; I <= Last; ++I) {
     const TKXBarChartValue* Value = V->Items(I);
-    if (!Value->Visible() || !(Value->Opacity() > 0.0f) || !std::isfinite(Value->Value())) continue;
+    if (!Value->Visible() || !(Value->Opacity() > 0.0f) || !HasFiniteNumbers(Value)) continue;
     TRect R = GetBarRect(ARect, Value, Prev, BarHalfSize, Origin, Offset);
     if (Value->Scale() != 1.0f) {
       const double Grow = Value->Scale() - 1.0;
       R = FixRect(ScaleRect(R, std::abs(KXRectWidth(R)) * Grow, std::abs(KXRectHeight(R)) * Grow));
     }
-    if (Silent) {
-      const TBarChartStyle Style = GetBarStyle(Value);
-      if (R.IsEmpty() && Style != bsArrow) continue;
-      if (Reduce && Style == bsRectangle && !Value->Selected() &&
+    if (Silent && PaintsInsideRect(Value)) {
+      if (R.IsEmpty()) continue;
+      if (Reduce && GetBarStyle(Value) == bsRectangle && !Value->Selected() &&
           (Standing ? R.Width() : R.Height()) == 1) {
         Columns.Add(R, PenPaints ? PenColor : GetColor(Value));
         continue;
@@ -528,11 +559,11 @@ void TKXCustomBarChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     Columns.Flush();
     if (Shadow) {
       SetCanvasResources(Canvas, Shadow->Brush(), Shadow->Pen(), nullptr, true, true);
-      DrawBar(Canvas, Shadow->ShadowRect(R, false, Canvas), Value);
+      DrawBarValue(Canvas, Shadow->ShadowRect(R, false, Canvas), Value, true);
       R = Shadow->NonShadowRect(R, false, Canvas);
     }
     SetCanvasResources(Canvas, Value, true, true);
-    DrawBar(Canvas, R, Value);
+    DrawBarValue(Canvas, R, Value, false);
     if (Labels) DrawValueLabel(Canvas, Value, R, Unit);
   }
   Columns.Flush();
@@ -555,7 +586,20 @@ void TKXCustomBarChart::DrawValueLabel(TCanvas* Canvas, const TKXBarChartValue* 
     Box.Right += Shift;
   }
   const TPoint P = CanvasCenterPoint(Box);
-  DrawLabel(Canvas, Text, P.X, P.Y, 1.0f);
+  DrawLabel(Canvas, Text, P.X, P.Y, LabelOpacity(Value));
+}
+
+void TKXCustomBarChart::DrawBarValue(TCanvas* Canvas, const TRect& R, const TKXBarChartValue* Value,
+                                     bool) {
+  DrawBar(Canvas, R, Value);
+}
+
+bool TKXCustomBarChart::PaintsInsideRect(const TKXBarChartValue* Value) const {
+  return GetBarStyle(Value) != bsArrow;
+}
+
+float TKXCustomBarChart::LabelOpacity(const TKXBarChartValue*) const {
+  return 1.0f;
 }
 
 void TKXCustomBarChart::DrawGlyph(TCanvas* Canvas, const TKXChartValue* Value, const TRect& ARect) {

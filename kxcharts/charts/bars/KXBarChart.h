@@ -212,6 +212,9 @@ public:
   void SetImageList(TImageList* Value);
   // The width of a bar in pixels at the last draw.
   int32_t BarSize() const { return FBarSize; }
+  // Whether every number of Value is finite: a value with a number that is no number has no
+  // bar, no label and no hit.
+  static bool HasFiniteNumbers(const TKXChartValue* Value);
   // Off by default. When on, the visible bar charts of this chart's Group that do not stack
   // (GroupStyle gsNone) share each index step side by side, in list order, instead of
   // lying over one another. Setting it sets it on every bar chart of the group in the
@@ -330,6 +333,30 @@ protected:
   // The predecessor in a stacked group in the panel, or nil.
   const TKXCustomChart* StackPrevious() const;
 
+  // --- What the family's kinds change in the one drawing loop and bar rectangle ---
+  // Where the bar of Value stands on the index axis: its index here, its X in the sparse
+  // kinds.
+  virtual double GetBarCentre(const TKXBarChartValue* Value) const;
+  // One step of the index axis in axis units, which BarSizePct is a share of: 1 here, the
+  // smallest gap between positions in the sparse kinds (0 when there is none).
+  virtual double GetBarStep() const;
+  // Half a bar's width in axis units: BarSizePct of a step, or of 1 when the step is 0.
+  double GetBarHalfSize() const;
+  // Draws the bar of Value in R, its shadow when Shadow: DrawBar here.
+  virtual void DrawBarValue(TCanvas* Canvas, const TRect& R, const TKXBarChartValue* Value,
+                            bool Shadow);
+  // Whether Value paints only inside its rectangle, so that an empty rectangle paints
+  // nothing: every style but the arrow here.
+  virtual bool PaintsInsideRect(const TKXBarChartValue* Value) const;
+  // The opacity of a value label: 1 here, the value's own in the sparse kinds.
+  virtual float LabelOpacity(const TKXBarChartValue* Value) const;
+  // The label of a bar drawn in R, Unit pixels a step; nothing for an empty text.
+  virtual void DrawValueLabel(TCanvas* Canvas, const TKXBarChartValue* Value, const TRect& R,
+                              double Unit);
+  // The rectangle in normal form from the ends E1, E2 on the value axis and the sides
+  // Centre - Half and Centre + Half on the index axis, at least one pixel across.
+  TRect SpanRect(const TRect& ARect, double Centre, double Half, double E1, double E2) const;
+
 private:
   // The chart whose origin and offset this one takes: the first of the unbroken run of
   // bar charts that ends with this one in its stack.
@@ -339,8 +366,6 @@ private:
   bool ClusterSlot(int32_t& Slot, int32_t& Slots) const;
   // Sets Apply on every other bar chart of the panel in the group.
   template <class F> void ForGroup(F Apply);
-  // The label of a bar drawn in R.
-  void DrawValueLabel(TCanvas* Canvas, const TKXBarChartValue* Value, const TRect& R, double Unit);
 };
 
 // --- TKXBarChart ---

@@ -1,0 +1,108 @@
+// The rest of the bar family as a user meets it: sparse bars at uneven positions, the daily
+// span of a measurement as high-low-average bars.
+#include <cmath>
+#include <string>
+
+#include "gallery/KXGallery.h"
+#include "kxcharts/axes/KXAxisGrid.h"
+#include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/charts/bars/KXBarCharts.h"
+#include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/toolkit/controls/KXForms.h"
+#include "kxcharts/toolkit/runtime/KXDateUtils.h"
+
+namespace kx::gallery {
+
+namespace {
+
+constexpr int32_t SheetW = 640, SheetH = 400;
+
+const TColor Blue = static_cast<TColor>(0xB07830);
+const TColor Red = static_cast<TColor>(0x3030C0);
+
+// A form holding one panel of the sheet's size with its header.
+struct TFamilyForm {
+  TOwned<TForm> Form{New<TForm>(nullptr)};
+  TKXChartPanel* Panel = nullptr;
+
+  TFamilyForm(const TRect& Area, const std::string& Title) {
+    ColorListIndex = 0;
+    const int32_t W = Area.Right - Area.Left, H = Area.Bottom - Area.Top;
+    Form->SetBounds(0, 0, W, H);
+    Panel = New<TKXChartPanel>(Form.get());
+    Panel->SetParent(Form.get());
+    Panel->SetBounds(0, 0, W, H);
+    Panel->Header()->SetText(Title);
+    Panel->Footer()->SetVisible(false);
+  }
+  void DateAxis(const char* Format) const {
+    Panel->BottomAxis()->SetLabelStyle(alsDateTime);
+    Panel->BottomAxis()->SetDateTimeFormat(Format);
+  }
+};
+
+// Rain on the days it rained: the bars stand at their day, as wide as the closest two days
+// allow, labelled with their millimetres.
+void PaintSparse(TCanvas* C, const TRect& Area) {
+  TFamilyForm F(Area, "Rainfall in June, mm (TKXSparseBarChart)");
+  auto* Rain = New<TKXSparseBarChart>(F.Form.get());
+  Rain->SetCaption("Rain");
+  Rain->SetOptions(Rain->Options() - coValueColors);
+  Rain->SetColor(Blue);
+  Rain->SetValueLabelStyle(ltsValue);
+  const double Days[][2] = {{2, 4.5}, {3, 11}, {7, 2}, {12, 18.5}, {13, 7}, {19, 3.5}, {27, 24}};
+  for (const auto& D : Days)
+    Rain->Values()->Add(D[0], D[1], "");
+  Rain->SetPanel(F.Panel);
+  TKXChartAxis* Days = F.Panel->BottomAxis();
+  // The days as numbers: the bars carry no captions.
+  Days->SetLabelStyle(alsValue);
+  Days->SetFormat("%.0f");
+  TKXChartAxis* Millimetres = F.Panel->LeftAxis();
+  Millimetres->SetFormat("%.0f");
+  // Room above the highest bar for its label.
+  Millimetres->SetOptions(Millimetres->Options() - aoAutoMaximum);
+  Millimetres->SetMaximum(30);
+  F.Panel->Legend()->SetVisible(false);
+  PaintPanel(C, F.Panel, Area);
+}
+
+// Three weeks of daily temperatures: each day's span from the low to the high with its
+// average marked beside it.
+void PaintHighLowAverage(TCanvas* C, const TRect& Area) {
+  TFamilyForm F(Area, "Daily temperature, \xC2\xB0" "C (TKXHighLowAverageChart)");
+  auto* T = New<TKXHighLowAverageChart>(F.Form.get());
+  T->SetCaption("Temperature");
+  T->SetOptions(T->Options() - coValueColors - coValueLabels);
+  T->SetColor(Red);
+  T->SetAverageLinePct(50);
+  const TDateTime Start = EncodeDate(2024, 4, 1);
+  for (int I = 0; I < 21; ++I) {
+    const double Mid = 12 + 5 * std::sin(I / 3.0) + 0.2 * I;
+    const double Span = 6 + 3 * std::cos(I * 1.3);
+    T->Values()->Add(Start + I, Mid + 0.8 * std::sin(I * 2.1), Mid + Span / 2, Mid - Span / 2, "");
+  }
+  T->Values()->SetDateTimeAxes({xyX});
+  T->SetPanel(F.Panel);
+  // No chart shadow: its marks would double the average's.
+  F.Panel->ChartShadow()->SetVisible(false);
+  F.DateAxis("mmm d");
+  F.Panel->LeftAxis()->SetFormat("%.0f");
+  F.Panel->Legend()->SetVisible(false);
+  PaintPanel(C, F.Panel, Area);
+}
+
+} // namespace
+
+void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets) {
+  Sheets.push_back({"sparse-bar",
+                    "TKXSparseBarChart: bars at the days they stand for, all as wide as the "
+                    "smallest gap between two days allows",
+                    SheetW, SheetH, PaintSparse});
+  Sheets.push_back({"hla",
+                    "TKXHighLowAverageChart: each day's low to high, its average marked on "
+                    "both sides of the bar, on a date axis",
+                    SheetW, SheetH, PaintHighLowAverage});
+}
+
+} // namespace kx::gallery
