@@ -50,8 +50,8 @@ void PaintSparse(TCanvas* C, const TRect& Area) {
   Rain->SetOptions(Rain->Options() - coValueColors);
   Rain->SetColor(Blue);
   Rain->SetValueLabelStyle(ltsValue);
-  const double Days[][2] = {{2, 4.5}, {3, 11}, {7, 2}, {12, 18.5}, {13, 7}, {19, 3.5}, {27, 24}};
-  for (const auto& D : Days)
+  const double Rainy[][2] = {{2, 4.5}, {3, 11}, {7, 2}, {12, 18.5}, {13, 7}, {19, 3.5}, {27, 24}};
+  for (const auto& D : Rainy)
     Rain->Values()->Add(D[0], D[1], "");
   Rain->SetPanel(F.Panel);
   TKXChartAxis* Days = F.Panel->BottomAxis();
