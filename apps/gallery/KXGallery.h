@@ -36,6 +36,7 @@ void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area);
 // chart kinds come first: one picture per kind, a chart alone and a dashboard.
 void AddChartKindSheets(std::vector<TGallerySheet>& Sheets);
 void AddPointSheets(std::vector<TGallerySheet>& Sheets);
+void AddShapeKindSheets(std::vector<TGallerySheet>& Sheets);
 void AddBarSheets(std::vector<TGallerySheet>& Sheets);
 void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets);
 void AddPieSheets(std::vector<TGallerySheet>& Sheets);

@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
   std::vector<kx::gallery::TGallerySheet> Sheets;
   kx::gallery::AddChartKindSheets(Sheets);
   kx::gallery::AddPointSheets(Sheets);
+  kx::gallery::AddShapeKindSheets(Sheets);
   kx::gallery::AddBarSheets(Sheets);
   kx::gallery::AddBarFamilySheets(Sheets);
   kx::gallery::AddPieSheets(Sheets);

@@ -10,15 +10,15 @@ void StartChartsModule() {
   static std::once_flag Once;
   std::call_once(Once, [] {
     StartChartPanelModule();
-    // The order is the registry's answer for a kind that several classes share; the kinds
-    // still to come take their places between these as they are built.
+    // The order is the registry's answer for a kind that several classes share.
     RegisterChart(ClassOf<TKXChart>());
+    RegisterChart(ClassOf<TKXPieChart>());
     RegisterChart(ClassOf<TKXPointChart>());
     RegisterChart(ClassOf<TKXLineChart>());
     RegisterChart(ClassOf<TKXAreaChart>());
     RegisterChart(ClassOf<TKXShapeChart>());
+    RegisterChart(ClassOf<TKXArrowChart>());
     RegisterChart(ClassOf<TKXScatterChart>());
-    RegisterChart(ClassOf<TKXPieChart>());
   });
 }
 

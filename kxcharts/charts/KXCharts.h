@@ -2,6 +2,7 @@
 // The chart kinds that place values by coordinates and the pie: everything of the charts
 // folder, and the start-up of its module.
 
+#include "kxcharts/charts/KXArrowCharts.h"
 #include "kxcharts/charts/KXChartPointInfo.h"
 #include "kxcharts/charts/KXLineCharts.h"
 #include "kxcharts/charts/KXPointCharts.h"

@@ -177,16 +177,7 @@ double TKXShapeChartValues::GetValueDimMinimum(const TKXChartValue* Value,
 void TKXShapeChartValues::SetMetaData(TValueMetaData Data, const TKXChartValue* Value,
                                       int32_t Dimension) {
   inherited::SetMetaData(Data, Value, Dimension);
-  if (Dimension != FXDim && Dimension != FYDim) return;
-  const auto D = static_cast<size_t>(Dimension);
-  if (D >= FMaxValue.size()) return;
-  // A negative size reaches the other way: its near side is the minimum.
-  if (Data.Contains(mdMinimum)) FMinValue[D] = GetValueDimMinimum(Value, Dimension);
-  const double Hi = GetValueDimMaximum(Value, Dimension);
-  if (Data.Contains(mdMaximum))
-    FMaxValue[D] = Hi;
-  else if (Data.Contains(mdMinimum) && Hi > FMaxValue[D])
-    FMaxValue[D] = Hi;
+  SetExtentMetaData(Data, Value, Dimension);
 }
 
 void TKXShapeChartValues::CalculateMetaData() {

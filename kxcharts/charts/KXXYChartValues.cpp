@@ -83,6 +83,20 @@ TKX2DChartValue* TKX2DChartValues::Add(double X, double Y, const std::string& Ca
   return static_cast<TKX2DChartValue*>(TKXChartValues::Add(Numbers, Caption, Color));
 }
 
+void TKX2DChartValues::SetExtentMetaData(TValueMetaData Data, const TKXChartValue* Value,
+                                         int32_t Dimension) {
+  if (Dimension != FXDim && Dimension != FYDim) return;
+  const auto D = static_cast<size_t>(Dimension);
+  if (D >= FMaxValue.size()) return;
+  // A value that reaches the other way has its near side as the minimum.
+  if (Data.Contains(mdMinimum)) FMinValue[D] = GetValueDimMinimum(Value, Dimension);
+  const double Hi = GetValueDimMaximum(Value, Dimension);
+  if (Data.Contains(mdMaximum))
+    FMaxValue[D] = Hi;
+  else if (Data.Contains(mdMinimum) && Hi > FMaxValue[D])
+    FMaxValue[D] = Hi;
+}
+
 const TKXValueSummary& TKX2DChartValues::Summary() const {
   FSummary->Sync(this);
   return *FSummary;

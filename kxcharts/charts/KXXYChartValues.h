@@ -133,6 +133,11 @@ protected:
   void DefineProperties(TFiler& Filer) override;
   // DateTimeAxes in the set type of the class.
   virtual void DefineDateTimeAxes(TFiler& Filer);
+  // For values that reach from one number to another in X or Y (a shape's far side, an
+  // arrow's end): after the base's SetMetaData, the cached minimum and maximum of X and Y
+  // become the value's extent by GetValueDimMinimum and GetValueDimMaximum. A value that
+  // reaches past both ends of the range so far widens both.
+  void SetExtentMetaData(TValueMetaData Data, const TKXChartValue* Value, int32_t Dimension);
 };
 
 // --- TKX3DChartValue ---

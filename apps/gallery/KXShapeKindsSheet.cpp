@@ -1,0 +1,84 @@
+// The chart kinds that draw free figures over the plot: a field of arrows.
+#include <cmath>
+#include <string>
+
+#include "gallery/KXGallery.h"
+#include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/charts/KXCharts.h"
+#include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/toolkit/controls/KXForms.h"
+
+namespace kx::gallery {
+
+namespace {
+
+constexpr int32_t SheetW = 900, SheetH = 560;
+
+// A form holding one panel of the sheet's size.
+struct TKindPanel {
+  TOwned<TForm> Form{New<TForm>(nullptr)};
+  TKXChartPanel* Panel = nullptr;
+
+  TKindPanel(const TRect& Area, const std::string& Header) {
+    ColorListIndex = 0;
+    const int32_t W = Area.Right - Area.Left, H = Area.Bottom - Area.Top;
+    Form->SetBounds(0, 0, W, H);
+    Panel = New<TKXChartPanel>(Form.get());
+    Panel->SetParent(Form.get());
+    Panel->SetBounds(0, 0, W, H);
+    Panel->Footer()->SetVisible(false);
+    Panel->Header()->SetText(Header);
+  }
+  // Both axes fixed on the given ranges.
+  void Ranges(double XLo, double XHi, double YLo, double YHi) {
+    for (TKXChartAxis* Axis : {Panel->BottomAxis(), Panel->LeftAxis()})
+      Axis->SetOptions(Axis->Options() - aoAutoMinimum - aoAutoMaximum);
+    Panel->BottomAxis()->SetMaximum(XHi);
+    Panel->BottomAxis()->SetMinimum(XLo);
+    Panel->LeftAxis()->SetMaximum(YHi);
+    Panel->LeftAxis()->SetMinimum(YLo);
+    Panel->BottomAxis()->SetLabelStyle(alsValue);
+  }
+};
+
+// A swirl: at each point of a grid an arrow along the flow around a centre, coloured by
+// its strength; the three strongest are named.
+void PaintArrows(TCanvas* C, const TRect& Area) {
+  TKindPanel S(Area, "Arrows from start to end in axis units: a flow around (50, 50)");
+  S.Panel->Legend()->SetVisible(false);
+  S.Ranges(0, 100, 0, 100);
+  auto* Flow = New<TKXArrowChart>(S.Form.get());
+  Flow->SetCaption("Flow");
+  Flow->SetArrowHeadSize(7);
+  Flow->Pen()->SetWidth(2);
+  Flow->Font()->SetColor(static_cast<TColor>(0x202020));
+  const TColor Calm = static_cast<TColor>(0xC08040), Strong = static_cast<TColor>(0x2020D0);
+  Flow->Values()->BeginUpdate();
+  for (int Row = 0; Row < 7; ++Row)
+    for (int Col = 0; Col < 9; ++Col) {
+      const double X = 10 + Col * 10, Y = 15 + Row * 12;
+      const double DX = X - 50, DY = Y - 50, R = std::hypot(DX, DY);
+      if (R < 8) continue;
+      // Strongest at a radius of 25, turning anticlockwise.
+      const double Strength = std::exp(-std::pow((R - 25) / 18, 2));
+      const double Len = 3 + 6 * Strength;
+      const bool Named = Row == 3 && (Col == 1 || Col == 7);
+      TKXArrowChartValue* V = Flow->Values()->Add(
+          X, Y, X - DY / R * Len, Y + DX / R * Len,
+          Named ? (Col == 1 ? "down the west side" : "up the east side") : "",
+          InterpolateColor(Calm, Strong, Strength));
+      V->SetOpacity(static_cast<float>(0.55 + 0.45 * Strength));
+    }
+  Flow->Values()->EndUpdate();
+  Flow->SetPanel(S.Panel);
+  PaintPanel(C, S.Panel, Area);
+}
+
+} // namespace
+
+void AddShapeKindSheets(std::vector<TGallerySheet>& Sheets) {
+  Sheets.push_back({"arrow", "TKXArrowChart: a field of arrows, coloured by strength", SheetW,
+                    SheetH, PaintArrows});
+}
+
+} // namespace kx::gallery
