@@ -8,6 +8,7 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
+#include "kxcharts/toolkit/runtime/KXFormat.h"
 
 namespace kx::demo {
 
@@ -19,7 +20,7 @@ const char* const HelpText =
     "Left drag: zoom into the box (Shift keeps the plot's shape)   |   Drag right to left: "
     "unzoom   |   Alt + drag: pan a zoomed chart   |   Ctrl + click or drag on the bars or the "
     "pie: select   |   "
-    "Wheel on the million values: zoom";
+    "Wheel on the million values: zoom   |   The dashed guide follows the mouse";
 
 // A chart without per-value colours and labels: one line, one colour.
 template <class T> T* PlainChart(TDemo& Demo, TKXChartPanel* Panel) {
@@ -39,6 +40,22 @@ void BuildLineAndArea(TDemo& Demo, TKXChartPanel* Panel) {
     Area->Values()->Add(I, 60 + 15 * std::sin(I * 0.13));
     Line->Values()->Add(I, 50 + 25 * std::sin(I * 0.31 + 1) + 6 * std::cos(I * 1.1));
   }
+  // A guide that the demo's own code moves: it follows the mouse across the plot and reads
+  // the demand under it.
+  auto* Reading = New<TKXGuideChart>(Demo.Form.get());
+  Reading->SetCaption("Reading");
+  Reading->SetOptions(Reading->Options() - coValueColors - coShowInLegend);
+  Reading->Pen()->SetColor(clGray);
+  TKXGuideChartValue* Guide = Reading->Values()->Add(24, 95, "", TColor(-1), {loVertical});
+  Reading->SetPanel(Panel);
+  Panel->SetOnMouseMove([Panel, Line, Guide](TObject*, TShiftState, int32_t X, int32_t) {
+    const TRect Plot = Panel->ChartRect();
+    if (X < Plot.Left || X >= Plot.Right) return;
+    const double At = std::clamp(std::round(Panel->BottomAxis()->PixelToAxis(X, false)), 0.0,
+                                 static_cast<double>(Line->Values()->Count() - 1));
+    Guide->SetX(At);
+    Guide->SetCaption(Format("Demand %.1f", Line->Values()->Items(static_cast<int32_t>(At))->Y()));
+  });
 }
 
 void BuildBars(TDemo& Demo, TKXChartPanel* Panel) {

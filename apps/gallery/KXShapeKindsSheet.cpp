@@ -1,4 +1,5 @@
-// The chart kinds that draw free figures over the plot: a field of arrows.
+// The chart kinds that draw free figures over the plot: guides over a line, a field of
+// arrows.
 #include <cmath>
 #include <string>
 
@@ -63,10 +64,10 @@ void PaintArrows(TCanvas* C, const TRect& Area) {
       const double Strength = std::exp(-std::pow((R - 25) / 18, 2));
       const double Len = 3 + 6 * Strength;
       const bool Named = Row == 3 && (Col == 1 || Col == 7);
-      TKXArrowChartValue* V = Flow->Values()->Add(
-          X, Y, X - DY / R * Len, Y + DX / R * Len,
-          Named ? (Col == 1 ? "down the west side" : "up the east side") : "",
-          InterpolateColor(Calm, Strong, Strength));
+      TKXArrowChartValue* V =
+          Flow->Values()->Add(X, Y, X - DY / R * Len, Y + DX / R * Len,
+                              Named ? (Col == 1 ? "down the west side" : "up the east side") : "",
+                              InterpolateColor(Calm, Strong, Strength));
       V->SetOpacity(static_cast<float>(0.55 + 0.45 * Strength));
     }
   Flow->Values()->EndUpdate();
@@ -74,9 +75,52 @@ void PaintArrows(TCanvas* C, const TRect& Area) {
   PaintPanel(C, S.Panel, Area);
 }
 
+// A day of readings with two thresholds and a marker: guides across the whole plot.
+void PaintGuides(TCanvas* C, const TRect& Area) {
+  TKindPanel S(Area, "Guides: thresholds and a marker across a line chart, labels beside them");
+  S.Ranges(0, 24, 0, 100);
+  auto* Line = New<TKXLineChart>(S.Form.get());
+  Line->SetCaption("Load (%)");
+  Line->SetOptions(Line->Options() - coValueLabels - coValueColors);
+  Line->SetColor(static_cast<TColor>(0x905020));
+  for (int H = 0; H <= 96; ++H) {
+    const double T = H / 4.0;
+    Line->Values()->Add(T, 45 + 30 * std::sin((T - 8) / 24 * 2 * M_PI) + 8 * std::sin(T * 1.7));
+  }
+  Line->SetPanel(S.Panel);
+  // One chart per kind of guide: a guide's line is in its chart's pen, its label's box in
+  // the value's colour.
+  struct TGuide {
+    const char* Caption;
+    double X, Y;
+    TLineOrientations Orientation;
+    TColor Color;
+  };
+  const TGuide Guides[] = {
+      {"Alarm at 80 %", 0.3, 80, {loHorizontal}, static_cast<TColor>(0x2020C0)},
+      {"Idle below 20 %", 14, 20, {loHorizontal}, static_cast<TColor>(0x208020)},
+      {"Backup 17:30", 17.5, 95, {loVertical}, static_cast<TColor>(0x606060)},
+  };
+  for (const TGuide& G : Guides) {
+    auto* Chart = New<TKXGuideChart>(S.Form.get());
+    Chart->SetCaption(G.Caption);
+    Chart->Pen()->SetWidth(2);
+    Chart->Pen()->SetColor(G.Color);
+    Chart->SetColor(G.Color);
+    Chart->SetParentFont(false);
+    Chart->Font()->SetColor(clWhite);
+    Chart->Font()->SetStyle({fsBold});
+    Chart->Values()->Add(G.X, G.Y, G.Caption, G.Color, G.Orientation);
+    Chart->SetPanel(S.Panel);
+  }
+  PaintPanel(C, S.Panel, Area);
+}
+
 } // namespace
 
 void AddShapeKindSheets(std::vector<TGallerySheet>& Sheets) {
+  Sheets.push_back({"guide", "TKXGuideChart: thresholds and a marker over a line chart", SheetW,
+                    SheetH, PaintGuides});
   Sheets.push_back({"arrow", "TKXArrowChart: a field of arrows, coloured by strength", SheetW,
                     SheetH, PaintArrows});
 }

@@ -37,9 +37,8 @@ TKXArrowChartValues::TKXArrowChartValues(TKXCustomChart* AOwner, TKXChartValueCl
   FNumDimensions = 4;
 }
 
-TKXArrowChartValue* TKXArrowChartValues::Add(double StartX, double StartY, double EndX,
-                                             double EndY, const std::string& Caption,
-                                             TColor Color) {
+TKXArrowChartValue* TKXArrowChartValues::Add(double StartX, double StartY, double EndX, double EndY,
+                                             const std::string& Caption, TColor Color) {
   const double Numbers[] = {StartX, StartY, EndX, EndY};
   return static_cast<TKXArrowChartValue*>(TKXChartValues::Add(Numbers, Caption, Color));
 }
@@ -122,8 +121,8 @@ void TKXArrowChart::DoUpdateAxisInfo(TKXChartAxis*) {
   FVisibleCount = FValues->Count();
 }
 
-void TKXArrowChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValue* Value,
-                                       bool AdjustFont, bool AdjustPen) {
+void TKXArrowChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValue* Value, bool AdjustFont,
+                                       bool AdjustPen) {
   SetCanvasResources(Canvas, FBrush.get(), FPen.get(), FFont.get(), AdjustFont, AdjustPen);
   if (!Value) return;
   const bool Selected = Value->Selected();
@@ -159,8 +158,7 @@ void TKXArrowChart::DrawArrow(TCanvas* Canvas, const TRect& ARect, TKXArrowChart
   const double O = GetAdjOffsetVertical();
   const double X1 = Value->X(), Y1 = O + Value->Y(), X2 = Value->EndX(), Y2 = O + Value->EndY();
   // An arrow with an end that is not a number has no place.
-  if (!std::isfinite(X1) || !std::isfinite(Y1) || !std::isfinite(X2) || !std::isfinite(Y2))
-    return;
+  if (!std::isfinite(X1) || !std::isfinite(Y1) || !std::isfinite(X2) || !std::isfinite(Y2)) return;
   TRect R = Value->ScaledRect(ARect);
   const auto Draw = [&](const TRect& In, int32_t HeadSize, float Opacity) {
     kx::DrawArrow(Canvas, FHorizontalAxis->AxisToPixel(X1, In), FVerticalAxis->AxisToPixel(Y1, In),
@@ -185,12 +183,10 @@ void TKXArrowChart::CreatePreviewValues() {
       double X, Y, EndX, EndY;
       const char* Caption;
     };
-    static constexpr TSample Samples[] = {{55, 5, -20, -20, "Research"},
-                                          {10, 10, 20, 30, "Manufacturing"},
-                                          {15, 20, 20, 15, "Purchases"},
-                                          {30, -10, 35, 20, "Marketing"},
-                                          {40, 40, 60, 20, "Development"},
-                                          {50, 50, 70, 60, "Testing"}};
+    static constexpr TSample Samples[] = {
+        {55, 5, -20, -20, "Research"},   {10, 10, 20, 30, "Manufacturing"},
+        {15, 20, 20, 15, "Purchases"},   {30, -10, 35, 20, "Marketing"},
+        {40, 40, 60, 20, "Development"}, {50, 50, 70, 60, "Testing"}};
     for (const TSample& S : Samples)
       Values()->Add(S.X, S.Y, S.EndX, S.EndY, S.Caption);
   }

@@ -85,7 +85,9 @@ public:
   TKXArrowChartValue* FindItemID(int32_t ID) const {
     return static_cast<TKXArrowChartValue*>(TKXChartValues::FindItemID(ID));
   }
-  TKXArrowChartValuesEnumerator GetEnumerator() const { return TKXArrowChartValuesEnumerator(this); }
+  TKXArrowChartValuesEnumerator GetEnumerator() const {
+    return TKXArrowChartValuesEnumerator(this);
+  }
   auto begin() const { return GetEnumerator().begin(); }
   auto end() const { return GetEnumerator().end(); }
 

@@ -17,6 +17,7 @@ void StartChartsModule() {
     RegisterChart(ClassOf<TKXLineChart>());
     RegisterChart(ClassOf<TKXAreaChart>());
     RegisterChart(ClassOf<TKXShapeChart>());
+    RegisterChart(ClassOf<TKXGuideChart>());
     RegisterChart(ClassOf<TKXArrowChart>());
     RegisterChart(ClassOf<TKXScatterChart>());
   });

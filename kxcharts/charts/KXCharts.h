@@ -4,6 +4,7 @@
 
 #include "kxcharts/charts/KXArrowCharts.h"
 #include "kxcharts/charts/KXChartPointInfo.h"
+#include "kxcharts/charts/KXGuideCharts.h"
 #include "kxcharts/charts/KXLineCharts.h"
 #include "kxcharts/charts/KXPointCharts.h"
 #include "kxcharts/charts/KXShapeCharts.h"
