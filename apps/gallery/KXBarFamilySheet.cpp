@@ -1,5 +1,5 @@
 // The rest of the bar family as a user meets it: sparse bars at uneven positions, the daily
-// span of a measurement as high-low-average bars.
+// span of a measurement as high-low-average bars, daily prices as candles over their volume.
 #include <cmath>
 #include <string>
 
@@ -92,6 +92,60 @@ void PaintHighLowAverage(TCanvas* C, const TRect& Area) {
   PaintPanel(C, F.Panel, Area);
 }
 
+// A few months of daily prices as candles on a date axis, weekdays only, and the volume of
+// each day as sparse bars in a second panel below, on the same days.
+void PaintCandles(TCanvas* C, const TRect& Area) {
+  const int32_t W = Area.Right - Area.Left, H = Area.Bottom - Area.Top;
+  const int32_t PriceH = H * 2 / 3;
+  TFamilyForm F({Area.Left, Area.Top, Area.Right, Area.Top + PriceH},
+                "Daily prices (TKXCandleStickChart)");
+  auto* VolumePanel = New<TKXChartPanel>(F.Form.get());
+  VolumePanel->SetParent(F.Form.get());
+  VolumePanel->SetBounds(0, PriceH, W, H - PriceH);
+  VolumePanel->Header()->SetText("Volume (TKXSparseBarChart)");
+  VolumePanel->Footer()->SetVisible(false);
+  VolumePanel->Legend()->SetVisible(false);
+  VolumePanel->ChartShadow()->SetVisible(false);
+  F.Form->SetBounds(0, 0, W, H);
+  F.Panel->ChartShadow()->SetVisible(false);
+  F.Panel->Legend()->SetVisible(false);
+
+  auto* Prices = New<TKXCandleStickChart>(F.Form.get());
+  Prices->SetCaption("Price");
+  auto* Volume = New<TKXSparseBarChart>(F.Form.get());
+  Volume->SetCaption("Volume");
+  Volume->SetOptions(Volume->Options() - coValueColors - coValueLabels);
+  Volume->SetColor(static_cast<TColor>(0xA08060));
+  const TDateTime Start = EncodeDate(2024, 3, 1);
+  double Close = 100;
+  {
+    TUpdateScope<TKXChartValues> P(Prices->TKXCustomChart::Values());
+    TUpdateScope<TKXChartValues> V(Volume->TKXCustomChart::Values());
+    for (int I = 0; I < 92; ++I) {
+      const TDateTime Day = Start + I;
+      const int32_t Week = DayOfWeek(Day);
+      if (Week == 1 || Week == 7) continue; // no trading at the weekend
+      const double Open = Close + 0.6 * std::sin(I * 2.3);
+      Close = Open + 2.2 * std::sin(I * 0.9) + 1.1 * std::cos(I * 0.31) + 0.15;
+      const double Top = std::max(Open, Close) + 0.5 + 0.8 * std::fabs(std::sin(I * 1.7));
+      const double Bottom = std::min(Open, Close) - 0.5 - 0.8 * std::fabs(std::cos(I * 1.3));
+      Prices->Values()->Add(Day, Open, Close, Top, Bottom, "");
+      Volume->Values()->Add(Day, 40 + 25 * std::fabs(Close - Open) + 8 * std::sin(I * 0.7), "");
+    }
+  }
+  Prices->Values()->SetDateTimeAxes({xyX});
+  Volume->Values()->SetDateTimeAxes({xyX});
+  Prices->SetPanel(F.Panel);
+  Volume->SetPanel(VolumePanel);
+  for (TKXChartPanel* P : {F.Panel, VolumePanel}) {
+    P->BottomAxis()->SetLabelStyle(alsDateTime);
+    P->BottomAxis()->SetDateTimeFormat("mmm d");
+    P->LeftAxis()->SetFormat("%.0f");
+  }
+  PaintPanel(C, F.Panel, {Area.Left, Area.Top, Area.Right, Area.Top + PriceH});
+  PaintPanel(C, VolumePanel, {Area.Left, Area.Top + PriceH, Area.Right, Area.Bottom});
+}
+
 } // namespace
 
 void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets) {
@@ -103,6 +157,10 @@ void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets) {
                     "TKXHighLowAverageChart: each day's low to high, its average marked on "
                     "both sides of the bar, on a date axis",
                     SheetW, SheetH, PaintHighLowAverage});
+  Sheets.push_back({"candlestick",
+                    "TKXCandleStickChart: three months of daily prices on a date axis, up days "
+                    "green and down days red, with the volume of each day as bars below",
+                    800, 600, PaintCandles});
 }
 
 } // namespace kx::gallery

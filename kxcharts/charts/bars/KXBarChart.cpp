@@ -550,10 +550,15 @@ void TKXCustomBarChart::InternalDraw(TCanvas* Canvas, const TRect& ARect) {
     }
     if (Silent && PaintsInsideRect(Value)) {
       if (R.IsEmpty()) continue;
-      if (Reduce && GetBarStyle(Value) == bsRectangle && !Value->Selected() &&
-          (Standing ? R.Width() : R.Height()) == 1) {
-        Columns.Add(R, PenPaints ? PenColor : GetColor(Value));
-        continue;
+      if (Reduce && !Value->Selected() && (Standing ? R.Width() : R.Height()) == 1) {
+        TRect Spans[2];
+        TColor Color = clBlack;
+        const int32_t N = ColumnSpans(Value, R, {PenPaints, PenColor}, Spans, Color);
+        if (N >= 0) {
+          for (int32_t K = 0; K < N; ++K)
+            Columns.Add(Spans[K], Color);
+          continue;
+        }
       }
     }
     Columns.Flush();
@@ -596,6 +601,15 @@ void TKXCustomBarChart::DrawBarValue(TCanvas* Canvas, const TRect& R, const TKXB
 
 bool TKXCustomBarChart::PaintsInsideRect(const TKXBarChartValue* Value) const {
   return GetBarStyle(Value) != bsArrow;
+}
+
+int32_t TKXCustomBarChart::ColumnSpans(const TKXBarChartValue* Value, const TRect& R,
+                                       const TColumnPen& Pen, TRect (&Spans)[2],
+                                       TColor& Color) const {
+  if (GetBarStyle(Value) != bsRectangle) return -1;
+  Spans[0] = R;
+  Color = Pen.Paints ? Pen.Color : GetColor(Value);
+  return 1;
 }
 
 float TKXCustomBarChart::LabelOpacity(const TKXBarChartValue*) const {

@@ -348,6 +348,17 @@ protected:
   // Whether Value paints only inside its rectangle, so that an empty rectangle paints
   // nothing: every style but the arrow here.
   virtual bool PaintsInsideRect(const TKXBarChartValue* Value) const;
+  // What the chart's pen paints of a bar one pixel across: its colour when it is solid
+  // (Paints), else nothing, and the bar is its brush.
+  struct TColumnPen {
+    bool Paints;
+    TColor Color;
+  };
+  // The pixels of Value drawn in R, one pixel across, as spans of one colour along its
+  // column (at most two, in drawing order) when that is all it paints with the chart's pen
+  // as Pen says and its own look; -1 when it paints otherwise. A plain rectangle here.
+  virtual int32_t ColumnSpans(const TKXBarChartValue* Value, const TRect& R, const TColumnPen& Pen,
+                              TRect (&Spans)[2], TColor& Color) const;
   // The opacity of a value label: 1 here, the value's own in the sparse kinds.
   virtual float LabelOpacity(const TKXBarChartValue* Value) const;
   // The label of a bar drawn in R, Unit pixels a step; nothing for an empty text.

@@ -15,6 +15,7 @@ void StartBarChartsModule() {
     RegisterChart(ClassOf<TKXBarChart>());
     RegisterChart(ClassOf<TKXSparseBarChart>());
     RegisterChart(ClassOf<TKXHighLowAverageChart>());
+    RegisterChart(ClassOf<TKXCandleStickChart>());
   });
 }
 

@@ -2,6 +2,7 @@
 // The bar family: everything of the bars folder, and the start-up of its module.
 
 #include "kxcharts/charts/bars/KXBarChart.h"
+#include "kxcharts/charts/bars/KXCandleStickChart.h"
 #include "kxcharts/charts/bars/KXHighLowAverageChart.h"
 #include "kxcharts/charts/bars/KXSparseBarChart.h"
 
