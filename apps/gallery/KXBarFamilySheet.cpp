@@ -6,6 +6,7 @@
 #include "gallery/KXGallery.h"
 #include "kxcharts/axes/KXAxisGrid.h"
 #include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/controls/KXForms.h"
@@ -146,6 +147,49 @@ void PaintCandles(TCanvas* C, const TRect& Area) {
   PaintPanel(C, VolumePanel, {Area.Left, Area.Top + PriceH, Area.Right, Area.Bottom});
 }
 
+// A price by the minute over two weeks of trading hours, and the daily candles that a
+// high-low-average function keeps computed from it: each day's highest, lowest, mean, last
+// and first price.
+void PaintCandleFunction(TCanvas* C, const TRect& Area) {
+  TFamilyForm F(Area, "Daily candles from prices by the minute (TKXHighLowAverageChartFunction)");
+  F.Panel->ChartShadow()->SetVisible(false);
+  F.Panel->Legend()->SetLegendStyle(lsCharts);
+  F.Panel->Legend()->SetAlign(laBottom);
+  auto* Minutes = New<TKXLineChart>(F.Form.get());
+  Minutes->SetCaption("Price by the minute");
+  Minutes->SetOptions(Minutes->Options() - coValueColors - coValueLabels);
+  Minutes->SetColor(static_cast<TColor>(0xC8A890));
+  auto* Days = New<TKXCandleStickChart>(F.Form.get());
+  Days->SetCaption("Daily candles");
+  Days->SetBarSizePct(50);
+  auto* Function = New<TKXHighLowAverageChartFunction>(F.Form.get());
+  Function->SetPeriod(fpDay);
+  Function->SetSourceChart(Minutes);
+  Function->SetTargetChart(Days);
+  const TDateTime Start = EncodeDate(2024, 6, 3); // a Monday
+  double Price = 0;
+  {
+    // One recalculation at the end of the batch.
+    TUpdateScope<TKXChartValues> Scope(Minutes->TKXCustomChart::Values());
+    int Minute = 0;
+    for (int Day = 0; Day < 14; ++Day) {
+      const int32_t Week = DayOfWeek(Start + Day);
+      if (Week == 1 || Week == 7) continue;
+      for (int M = 0; M < 8 * 60; M += 5, Minute += 5) {
+        Price = 50 + 4 * std::sin(Minute * 0.0021) + 1.3 * std::sin(Minute * 0.017) +
+                0.5 * std::sin(Minute * 0.23) + 0.2 * std::cos(Minute * 1.7);
+        Minutes->Values()->Add(Start + Day + (9 * 60 + M) / 1440.0, Price);
+      }
+    }
+  }
+  Minutes->Values()->SetDateTimeAxes({xyX});
+  Minutes->SetPanel(F.Panel);
+  Days->SetPanel(F.Panel);
+  F.DateAxis("mmm d");
+  F.Panel->LeftAxis()->SetFormat("%.0f");
+  PaintPanel(C, F.Panel, Area);
+}
+
 } // namespace
 
 void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets) {
@@ -161,6 +205,10 @@ void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets) {
                     "TKXCandleStickChart: three months of daily prices on a date axis, up days "
                     "green and down days red, with the volume of each day as bars below",
                     800, 600, PaintCandles});
+  Sheets.push_back({"candlestick-function",
+                    "TKXHighLowAverageChartFunction: daily candles kept computed from a price "
+                    "by the minute (fpDay, hfHighLowAverageOpenClose)",
+                    800, 450, PaintCandleFunction});
 }
 
 } // namespace kx::gallery

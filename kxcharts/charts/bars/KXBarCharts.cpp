@@ -16,6 +16,7 @@ void StartBarChartsModule() {
     RegisterChart(ClassOf<TKXSparseBarChart>());
     RegisterChart(ClassOf<TKXHighLowAverageChart>());
     RegisterChart(ClassOf<TKXCandleStickChart>());
+    RegisterClasses({ClassOf<TKXHighLowAverageChartFunction>()});
   });
 }
 

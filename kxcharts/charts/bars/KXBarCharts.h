@@ -1,9 +1,11 @@
 #pragma once
-// The bar family: everything of the bars folder, and the start-up of its module.
+// The bar family: everything of the bars folder (the high-low-average function with it), and
+// the start-up of its module.
 
 #include "kxcharts/charts/bars/KXBarChart.h"
 #include "kxcharts/charts/bars/KXCandleStickChart.h"
 #include "kxcharts/charts/bars/KXHighLowAverageChart.h"
+#include "kxcharts/charts/bars/KXHighLowAverageFunction.h"
 #include "kxcharts/charts/bars/KXSparseBarChart.h"
 
 namespace kx {
