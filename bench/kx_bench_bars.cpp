@@ -26,21 +26,21 @@ using kx::bench::TBenchForm;
 
 constexpr int32_t Width = 1600, Height = 900;
 
-void BM_PaintBars(benchmark::State& State) {
+// A chart of class T alone in a default panel with BM_PaintLine's settings, filled by
+// Fill(Chart, Step, Random) and painted whole in each iteration.
+template <class T, class F> void PaintChart(benchmark::State& State, F Fill) {
   TOwned<TBenchForm> Form(New<TBenchForm>(nullptr));
   auto* Panel = New<TKXChartPanel>(Form.get());
-  auto* Chart = New<TKXBarChart>(Form.get());
+  auto* Chart = New<T>(Form.get());
   Panel->SetBounds(0, 0, Width, Height);
   Panel->ChartShadow()->SetVisible(false);
   Chart->SetOptions(Chart->Options() - coValueColors - coValueLabels);
   Chart->SetPanel(Panel);
   std::mt19937 Random{20240601};
   std::normal_distribution<double> Step{0.0, 1.0};
-  double Y = 0;
   {
     TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
-    for (int64_t I = 0; I < State.range(0); ++I)
-      Chart->Values()->Add(Y += Step(Random), "");
+    Fill(Chart, Step, Random);
   }
   const auto Paint = [&] {
     Panel->Repaint();
@@ -52,19 +52,18 @@ void BM_PaintBars(benchmark::State& State) {
   State.SetItemsProcessed(State.iterations() * State.range(0));
 }
 
+void BM_PaintBars(benchmark::State& State) {
+  PaintChart<TKXBarChart>(State, [&](TKXBarChart* Chart, auto& Step, auto& Random) {
+    double Y = 0;
+    for (int64_t I = 0; I < State.range(0); ++I)
+      Chart->Values()->Add(Y += Step(Random), "");
+  });
+}
+
 void BM_PaintCandles(benchmark::State& State) {
-  TOwned<TBenchForm> Form(New<TBenchForm>(nullptr));
-  auto* Panel = New<TKXChartPanel>(Form.get());
-  auto* Chart = New<TKXCandleStickChart>(Form.get());
-  Panel->SetBounds(0, 0, Width, Height);
-  Panel->ChartShadow()->SetVisible(false);
-  Chart->SetOptions(Chart->Options() - coValueColors - coValueLabels);
-  Chart->SetPanel(Panel);
-  std::mt19937 Random{20240601};
-  std::normal_distribution<double> Step{0.0, 1.0};
-  double Close = 0;
-  {
-    TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+  PaintChart<TKXCandleStickChart>(State, [&](TKXCandleStickChart* Chart, auto& Step,
+                                             auto& Random) {
+    double Close = 0;
     for (int64_t I = 0; I < State.range(0); ++I) {
       const double Open = Close;
       Close += Step(Random);
@@ -72,15 +71,7 @@ void BM_PaintCandles(benchmark::State& State) {
       Chart->Values()->Add(double(I), Open, Close, std::max(Open, Close) + Reach,
                            std::min(Open, Close) - Reach, "");
     }
-  }
-  const auto Paint = [&] {
-    Panel->Repaint();
-    cairo_surface_flush(Panel->Bitmap()->Surface());
-  };
-  Paint();
-  for (auto _ : State)
-    Paint();
-  State.SetItemsProcessed(State.iterations() * State.range(0));
+  });
 }
 
 } // namespace

@@ -26,6 +26,15 @@ TKXChartValueTypeArray Summary(TKXCustomChart* Source, int32_t Low, int32_t High
       TKXCustomChartFunction::ToArray(Source, Low, High, Dim));
 }
 
+// The first N of a period's five figures (highest, lowest, mean, last, first).
+template <size_t N>
+TKXChartValueTypeArray Leading(TKXCustomChart* Source, int32_t Low, int32_t High, TDateTime,
+                               int32_t Dim) {
+  TKXChartValueTypeArray F = Summary(Source, Low, High, Dim);
+  if (F.size() > N) F.resize(N);
+  return F;
+}
+
 } // namespace
 
 TKXHighLowAverageChartFunction::TKXHighLowAverageChartFunction(TComponent* AOwner)
@@ -72,24 +81,14 @@ void TKXHighLowAverageChartFunction::HighLow(TKXCustomChart* SourceChart,
                                              TKXCustomChart* TargetChart, int32_t IndexLow,
                                              int32_t IndexHigh, TDateTime TimeStamp,
                                              int32_t SourceDim, int32_t) {
-  AddFigures(
-      [](TKXCustomChart* S, int32_t L, int32_t H, TDateTime, int32_t D) {
-        const TKXChartValueTypeArray F = Summary(S, L, H, D);
-        return F.empty() ? F : TKXChartValueTypeArray{F[0], F[1]};
-      },
-      SourceChart, TargetChart, IndexLow, IndexHigh, TimeStamp, SourceDim);
+  AddFigures(&Leading<2>, SourceChart, TargetChart, IndexLow, IndexHigh, TimeStamp, SourceDim);
 }
 
 void TKXHighLowAverageChartFunction::HighLowAverage(TKXCustomChart* SourceChart,
                                                     TKXCustomChart* TargetChart, int32_t IndexLow,
                                                     int32_t IndexHigh, TDateTime TimeStamp,
                                                     int32_t SourceDim, int32_t) {
-  AddFigures(
-      [](TKXCustomChart* S, int32_t L, int32_t H, TDateTime, int32_t D) {
-        const TKXChartValueTypeArray F = Summary(S, L, H, D);
-        return F.empty() ? F : TKXChartValueTypeArray{F[0], F[1], F[2]};
-      },
-      SourceChart, TargetChart, IndexLow, IndexHigh, TimeStamp, SourceDim);
+  AddFigures(&Leading<3>, SourceChart, TargetChart, IndexLow, IndexHigh, TimeStamp, SourceDim);
 }
 
 void TKXHighLowAverageChartFunction::HighLowMedian(TKXCustomChart* SourceChart,
@@ -131,9 +130,7 @@ void TKXHighLowAverageChartFunction::MeanStdDev(TKXCustomChart* SourceChart,
 void TKXHighLowAverageChartFunction::HighLowAverageOpenClose(
     TKXCustomChart* SourceChart, TKXCustomChart* TargetChart, int32_t IndexLow, int32_t IndexHigh,
     TDateTime TimeStamp, int32_t SourceDim, int32_t) {
-  AddFigures([](TKXCustomChart* S, int32_t L, int32_t H, TDateTime,
-                int32_t D) { return Summary(S, L, H, D); },
-             SourceChart, TargetChart, IndexLow, IndexHigh, TimeStamp, SourceDim);
+  AddFigures(&Leading<5>, SourceChart, TargetChart, IndexLow, IndexHigh, TimeStamp, SourceDim);
 }
 
 // --- The function ---
