@@ -51,5 +51,6 @@ void AddPanelSheets(std::vector<TGallerySheet>& Sheets);
 void AddInteractionSheets(std::vector<TGallerySheet>& Sheets);
 void AddSavePictureSheets(std::vector<TGallerySheet>& Sheets);
 void AddFunctionSheets(std::vector<TGallerySheet>& Sheets);
+void AddThemeSheets(std::vector<TGallerySheet>& Sheets);
 
 } // namespace kx::gallery

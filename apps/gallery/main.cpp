@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddBarSheets(Sheets);
   kx::gallery::AddBarFamilySheets(Sheets);
   kx::gallery::AddPieSheets(Sheets);
+  kx::gallery::AddThemeSheets(Sheets);
   kx::gallery::AddLargeDataSheets(Sheets);
   kx::gallery::AddToolkitSheets(Sheets);
   kx::gallery::AddControlsSheets(Sheets);

@@ -89,10 +89,12 @@ public:
             TKXChartAxis* HorizAxis) override;
   using TKXChartGraphic::Draw;
 
-  // Also Transparent.
+  // Also Transparent and the brush, which starts in the panel's colour: a layer brushed
+  // white must still write its colour.
   void KeepStartAsStoredDefaults() override {
     TKXChartGraphic::KeepStartAsStoredDefaults();
     FStoredTransparent = FTransparent;
+    FBrush->UseCurrentAsDefaults();
   }
 
   // From another layer: brush, image mode, pen, picture, Transparent and Zoomable.
