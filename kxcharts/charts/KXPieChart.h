@@ -178,7 +178,6 @@ public:
   // --- Overrides ---
   // Always with coValueColors.
   void SetOptions(TChartOptions Value) override;
-  bool NeedsValueLabels() const override { return true; }
   // A visible, selectable value whose slice the pixel rectangle hits.
   bool IsSelectable(const TRect& SelectionRect) const override;
   // Every visible value in view, without turning the rectangle into axis units.

@@ -191,7 +191,6 @@ public:
   virtual void ValueNotify(TKXChartValue* Value, TCollectionNotification Action);
 
   // --- Overrides ---
-  bool NeedsValueLabels() const override { return true; }
   // The chart's brush, pen and font; for a value, its own, its pen one wider when selected
   // (coSelectionPen), its brush in the selection colour, its colour (coValueColors) or the
   // chart's.

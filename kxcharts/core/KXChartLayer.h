@@ -89,12 +89,10 @@ public:
             TKXChartAxis* HorizAxis) override;
   using TKXChartGraphic::Draw;
 
-  // Also Transparent and the brush, which starts in the panel's colour: a layer brushed
-  // white must still write its colour.
+  // Also Transparent.
   void KeepStartAsStoredDefaults() override {
     TKXChartGraphic::KeepStartAsStoredDefaults();
     FStoredTransparent = FTransparent;
-    FBrush->UseCurrentAsDefaults();
   }
 
   // From another layer: brush, image mode, pen, picture, Transparent and Zoomable.

@@ -116,6 +116,14 @@ void ApplyClassic(TKXCustomChartPanel* Panel) {
   Panel->SetChartColorScheme(Fresh->ChartColorScheme());
 }
 
+bool IsLabelledKind(const TKXCustomChart* Chart, const TKXChartTheme& Theme) {
+  for (const TMetaClass* C = Chart->ClassType(); C; C = C->ClassParent())
+    if (std::find(Theme.LabelledKinds.begin(), Theme.LabelledKinds.end(), C->ClassName()) !=
+        Theme.LabelledKinds.end())
+      return true;
+  return false;
+}
+
 void SetTextColor(TFont* Font, TColor Color) {
   if (Color != clNone) Font->SetColor(Color);
 }
@@ -219,7 +227,7 @@ void ApplyChartTheme(TKXCustomChart* Chart, const TKXChartTheme& Theme) {
   TChartOptions Options = Chart->Options();
   if (Theme.PlainCharts) {
     Options = Options - coValueColors;
-    if (!Chart->NeedsValueLabels()) Options = Options - coValueLabels;
+    if (!IsLabelledKind(Chart, Theme)) Options = Options - coValueLabels;
   } else {
     // What a new chart of this kind starts with.
     TOwned<TComponent> Fresh(static_cast<TComponentClass>(Chart->ClassType())->Create(nullptr));

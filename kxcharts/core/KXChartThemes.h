@@ -48,10 +48,11 @@ struct TKXChartTheme {
   TRect Margins{0, 0, 0, 0};
   // The charts' colours in the order charts are added; empty keeps classic's list.
   std::vector<TColor> Palette;
-  // Each chart in one colour and without value labels, unless its kind needs labels to
-  // be read (a pie's slices, a shape's texts). Classic gives every value its own colour
-  // and label, which also makes a long line draw every value.
+  // Each chart in one colour and without value labels, unless its kind's labels carry what
+  // it says: the kinds named in LabelledKinds and the kinds derived from them. Classic gives
+  // every value its own colour and label, which also makes a long line draw every value.
   bool PlainCharts = false;
+  std::vector<std::string> LabelledKinds = {"TKXPieChart", "TKXCustomShapeChart"};
 };
 
 // Adds Theme, or replaces the theme of the same name. Raises EKXChartException for a theme

@@ -367,9 +367,6 @@ public:
   // Whether the axis labels with value captions: the values sort on its dimension and
   // have captions.
   virtual bool WantsCaptions(const TKXChartAxis* Axis) const;
-  // Whether a value's label carries what the chart says (a slice's share, a shape's text),
-  // so that a theme of plain charts keeps it.
-  virtual bool NeedsValueLabels() const { return false; }
 
   // Selects by the pixel rectangle with Action (with coSelectable only); the state shows
   // the action meanwhile and is stIdle again afterwards, also when a handler raises.

@@ -99,6 +99,8 @@ TOwned<TKXChartLayer> TKXCustomChartPanel::CreateLayer(bool Transparent) {
   Layer->SetTransparent(Transparent);
   Layer->SetVisible(!Transparent);
   Layer->Brush()->SetColor(Color());
+  // The brush starts in the panel's colour: a layer brushed white must still write its colour.
+  Layer->Brush()->UseCurrentAsDefaults();
   Layer->SetOnChange([this](TObject* Sender) { SenderChanged(Sender); });
   return Layer;
 }

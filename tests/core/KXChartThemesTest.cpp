@@ -121,11 +121,16 @@ TEST(ChartThemes, UsersAddThemesAndUnknownOnesSayWhichThereAre) {
   TKXChartTheme Mine = GetChartTheme("light");
   Mine.Name = "mine";
   Mine.Palette = {clRed};
+  Mine.LabelledKinds = {"TKXChart"}; // what the test charts derive from
   RegisterChartTheme(Mine);
   ThemedForm F;
   ApplyChartTheme(F.Panel, "mine");
-  for (int32_t I = 0; I < 3; ++I)
-    EXPECT_EQ(F.Panel->Charts()->Items(I)->GetColor(), clRed) << "a short palette repeats";
+  for (int32_t I = 0; I < 3; ++I) {
+    const TKXCustomChart* C = F.Panel->Charts()->Items(I);
+    EXPECT_EQ(C->GetColor(), clRed) << "a short palette repeats";
+    EXPECT_TRUE(C->Options().Contains(coValueLabels)) << "a labelled kind keeps its labels";
+    EXPECT_FALSE(C->Options().Contains(coValueColors));
+  }
   Mine.Palette = {clBlue};
   RegisterChartTheme(Mine);
   EXPECT_EQ(GetChartTheme("mine").Palette.front(), clBlue) << "same name replaces";

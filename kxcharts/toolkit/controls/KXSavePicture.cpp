@@ -7,6 +7,8 @@
 #include <exception>
 #include <fstream>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 #include "kxcharts/toolkit/runtime/KXSysUtils.h"
 
@@ -32,6 +34,38 @@ cairo_status_t AppendChunk(void* Closure, const unsigned char* Data, unsigned in
   return CAIRO_STATUS_SUCCESS;
 }
 
+// Cairo numbers an SVG's images and surfaces by counts it keeps across documents, so two
+// saves of one picture would differ in those ids alone. They are numbered again from 1, in
+// the order they appear, each kind on its own; an id is a kind's name after `"` or `#`,
+// then digits (an embedded image's data starts "data:image/", which is neither).
+void RenumberSvgIds(std::vector<uint8_t>& Bytes) {
+  static constexpr std::string_view Kinds[] = {"image", "surface"};
+  const std::string_view In(reinterpret_cast<const char*>(Bytes.data()), Bytes.size());
+  std::string Out;
+  Out.reserve(In.size());
+  std::unordered_map<std::string_view, int> Numbers[2];
+  size_t Copied = 0;
+  for (size_t I = 1; I < In.size(); ++I) {
+    if (In[I - 1] != '"' && In[I - 1] != '#') continue;
+    for (size_t K = 0; K < 2; ++K) {
+      const std::string_view Kind = Kinds[K];
+      if (In.compare(I, Kind.size(), Kind) != 0) continue;
+      size_t End = I + Kind.size();
+      while (End < In.size() && std::isdigit(static_cast<unsigned char>(In[End])))
+        ++End;
+      if (End == I + Kind.size()) break;
+      const std::string_view Old = In.substr(I, End - I);
+      const int New = Numbers[K].try_emplace(Old, int(Numbers[K].size()) + 1).first->second;
+      Out.append(In.substr(Copied, I - Copied)).append(Kind).append(std::to_string(New));
+      Copied = End;
+      I = End - 1;
+      break;
+    }
+  }
+  Out.append(In.substr(Copied));
+  Bytes.assign(Out.begin(), Out.end());
+}
+
 // A vector document in memory: Cairo writes it through AppendChunk as it goes and finishes
 // it when the surface is finished.
 std::vector<uint8_t> PaintVector(const TPicturePainter& Paint, int32_t Width, int32_t Height,
@@ -42,6 +76,8 @@ std::vector<uint8_t> PaintVector(const TPicturePainter& Paint, int32_t Width, in
                     : cairo_pdf_surface_create_for_stream(AppendChunk, &Bytes, Width, Height);
   TFinally Release([Surface] { cairo_surface_destroy(Surface); });
   if (Kind == pkSvg) cairo_svg_surface_set_document_unit(Surface, CAIRO_SVG_UNIT_PX);
+  // Without a date of making, one picture gives the same bytes each time it is saved.
+  if (Kind == pkPdf) cairo_pdf_surface_set_metadata(Surface, CAIRO_PDF_METADATA_CREATE_DATE, "");
   {
     TOwned<TCanvas> Canvas = MakeOwned<TCanvas>();
     Canvas->Bind(Surface, Width, Height);
@@ -52,6 +88,7 @@ std::vector<uint8_t> PaintVector(const TPicturePainter& Paint, int32_t Width, in
   if (Status != CAIRO_STATUS_SUCCESS)
     throw EInvalidGraphic(std::string("Cannot make the ") + (Kind == pkSvg ? "SVG" : "PDF") +
                           " document: " + cairo_status_to_string(Status));
+  if (Kind == pkSvg) RenumberSvgIds(Bytes);
   return Bytes;
 }
 

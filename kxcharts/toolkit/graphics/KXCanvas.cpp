@@ -666,6 +666,9 @@ TOwned<TCanvas> CreatePdfCanvas(const std::string& FileName, int32_t Width, int3
   Width = PageExtent(Width);
   Height = PageExtent(Height);
   cairo_surface_t* S = cairo_pdf_surface_create(FileName.c_str(), Width, Height);
+  // Without a date of making, one picture gives the same file each time.
+  if (cairo_surface_status(S) == CAIRO_STATUS_SUCCESS)
+    cairo_pdf_surface_set_metadata(S, CAIRO_PDF_METADATA_CREATE_DATE, "");
   TOwned<TCanvas> Canvas = MakeFileCanvas(S, FileName, Width, Height);
   Canvas->FFileName = FileName;
   return Canvas;
