@@ -6,10 +6,12 @@
 #include <malloc.h>
 
 #include <cstdint>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
 #include "KXBenchSupport.h"
+#include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
 
 namespace {
@@ -62,29 +64,20 @@ public:
 
 enum class TAddKind { Unsorted, SortedAscending, WithLimit };
 
-void RunAdds(benchmark::State& State, TAddKind Kind) {
-  const auto N = static_cast<int32_t>(State.range(0));
+// Times Add(Values) on the values of a fresh chart that Make puts on a form, and reports
+// the heap that each value took and the time per value.
+template <class TMake, class TAdd>
+void TimeAdds(benchmark::State& State, int64_t N, TMake Make, TAdd Add) {
   double BytesPerValue = 0;
   for (auto _ : State) {
     State.PauseTiming();
     TOwned<TBenchForm> Form(New<TBenchForm>(nullptr));
-    auto* Chart = New<TXYBenchChart>(Form.get());
-    TKXChartValues* Values = Chart->Values();
-    if (Kind == TAddKind::SortedAscending) {
-      Values->SetSorted(true);
-      Values->SetSortByDimension(0);
-    }
-    if (Kind == TAddKind::WithLimit) Values->SetLimit(100000);
+    auto* Values = Make(Form.get());
     malloc_trim(0);
     const size_t Before = HeapInUse();
     State.ResumeTiming();
 
-    Values->BeginUpdate();
-    for (int32_t I = 0; I < N; ++I) {
-      const double XY[2] = {static_cast<double>(I), static_cast<double>(I % 97)};
-      Values->Add(std::span<const double>(XY, 2));
-    }
-    Values->EndUpdate();
+    Add(Values);
 
     State.PauseTiming();
     BytesPerValue = static_cast<double>(HeapInUse() - Before) / Values->Count();
@@ -97,6 +90,27 @@ void RunAdds(benchmark::State& State, TAddKind Kind) {
   State.counters["ns_per_value"] =
       benchmark::Counter(static_cast<double>(State.iterations() * N),
                          benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void RunAdds(benchmark::State& State, TAddKind Kind) {
+  const auto N = static_cast<int32_t>(State.range(0));
+  const auto Make = [Kind](TBenchForm* Form) {
+    TKXChartValues* Values = New<TXYBenchChart>(Form)->Values();
+    if (Kind == TAddKind::SortedAscending) {
+      Values->SetSorted(true);
+      Values->SetSortByDimension(0);
+    }
+    if (Kind == TAddKind::WithLimit) Values->SetLimit(100000);
+    return Values;
+  };
+  TimeAdds(State, N, Make, [N](TKXChartValues* Values) {
+    Values->BeginUpdate();
+    for (int32_t I = 0; I < N; ++I) {
+      const double XY[2] = {static_cast<double>(I), static_cast<double>(I % 97)};
+      Values->Add(std::span<const double>(XY, 2));
+    }
+    Values->EndUpdate();
+  });
 }
 
 void BM_AddUnsorted(benchmark::State& State) {
@@ -113,6 +127,21 @@ void BM_AddWithLimit(benchmark::State& State) {
   RunAdds(State, TAddKind::WithLimit);
 }
 BENCHMARK(BM_AddWithLimit)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+// A line chart's values (sorted on X) from two spans in one call, as a loader of a big
+// series hands them over. Per value against BM_AddUnsorted, which adds one value at a time.
+void BM_AddSpan(benchmark::State& State) {
+  const auto N = static_cast<int32_t>(State.range(0));
+  std::vector<double> X(static_cast<size_t>(N)), Y(static_cast<size_t>(N));
+  for (int32_t I = 0; I < N; ++I) {
+    X[static_cast<size_t>(I)] = I;
+    Y[static_cast<size_t>(I)] = I % 97;
+  }
+  TimeAdds(
+      State, N, [](TBenchForm* Form) { return New<TKXLineChart>(Form)->Values(); },
+      [&](TKX2DChartValues* Values) { Values->AddValues(X, Y); });
+}
+BENCHMARK(BM_AddSpan)->Arg(10000000)->Unit(benchmark::kMillisecond);
 
 // One number of a value changes, outside any bracket, in a chart in a panel with one
 // listener: listeners, panel, events, axes, the view range, and the panel's repaint mark.

@@ -45,24 +45,33 @@ void TKXValueSummary::Removing(int32_t Index) {
 // --- Upkeep ---
 
 void TKXValueSummary::ReadValue(const TKX2DChartValues* Values, int32_t Index) {
-  const TKX2DChartValue* V = Values->Items(Index);
-  const double X = V->GetValue(Values->XDim()), Y = V->GetValue(Values->YDim());
-  const bool Plain = V->Visible() && !V->Selected() && V->Opacity() > 0.0f && V->Scale() == 1.0f &&
-                     std::isfinite(X) && std::isfinite(Y);
-  const uint8_t Flags = static_cast<uint8_t>((Plain ? 0 : NotPlain) |
-                                             (std::isfinite(Y) ? 0 : NoFinite) |
-                                             (std::isfinite(X) ? 0 : NoFiniteX));
+  double X = 0, Y = 0;
+  TColor Color = clNone;
+  // A value added in bulk and not made yet is read where it waits: visible, not selected,
+  // opaque, at scale 1.
+  bool Plain = Values->DeferredXY(Index, X, Y, Color);
+  if (!Plain) {
+    const TKX2DChartValue* V = Values->Items(Index);
+    X = V->GetValue(Values->XDim());
+    Y = V->GetValue(Values->YDim());
+    Color = V->Color();
+    Plain = V->Visible() && !V->Selected() && V->Opacity() > 0.0f && V->Scale() == 1.0f;
+  }
+  Plain = Plain && std::isfinite(X) && std::isfinite(Y);
+  const uint8_t Flags =
+      static_cast<uint8_t>((Plain ? 0 : NotPlain) | (std::isfinite(Y) ? 0 : NoFinite) |
+                           (std::isfinite(X) ? 0 : NoFiniteX));
   const size_t P = Phys(Index);
   if (P == FX.size()) {
     FX.push_back(X);
     FY.push_back(Y);
     FFlags.push_back(Flags);
-    FColor.push_back(V->Color());
+    FColor.push_back(Color);
   } else {
     FX[P] = X;
     FY[P] = Y;
     FFlags[P] = Flags;
-    FColor[P] = V->Color();
+    FColor[P] = Color;
   }
 }
 

@@ -1,11 +1,62 @@
 #include "kxcharts/charts/KXXYChartValues.h"
 
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <vector>
+
 #include "kxcharts/charts/KXValueSummary_p.h"
 
 #include "kxcharts/toolkit/graphics/KXGraphics.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 
 namespace kx {
+
+// --- Values added in bulk ---
+
+// What a run of AddValues keeps until its values are made: their numbers, and their colours,
+// one each or (in the order they came) by the palette's period of 10. X that steps evenly
+// (sample numbers, regular times) is kept as its start and step.
+struct TKXDeferredRun {
+  size_t FirstKey = 0;
+  size_t Count = 0;
+  double X0 = 0, XStep = 1; // X of the value at offset K is X0 + K * XStep ...
+  std::vector<double> X;    // ... unless it has one of its own here
+  std::vector<double> Y;
+  std::array<TColor, 10> Palette{}; // the value at offset K has Palette[K % 10] ...
+  std::vector<TColor> Colors;       // ... unless it has a colour of its own here
+
+  double XAt(size_t Offset) const { return X.empty() ? X0 + double(Offset) * XStep : X[Offset]; }
+  // Keeps X[From..] as a start and a step when each number is exactly what they give.
+  void TakeX(std::span<const double> All, size_t From) {
+    const std::span<const double> Own = All.subspan(From);
+    X0 = Own[0];
+    XStep = Own.size() > 1 ? Own[1] - Own[0] : 1.0;
+    for (size_t K = 0; K < Own.size(); ++K)
+      if (!(XAt(K) == Own[K])) {
+        X.assign(Own.begin(), Own.end());
+        return;
+      }
+  }
+  TColor ColorAt(size_t Offset) const {
+    return Colors.empty() ? Palette[Offset % Palette.size()] : Colors[Offset];
+  }
+};
+
+class TKXDeferredXY {
+public:
+  std::vector<TKXDeferredRun> Runs; // by FirstKey
+
+  // The run holding Key and the offset of Key in it.
+  const TKXDeferredRun& Find(size_t Key, size_t& Offset) const {
+    const auto It =
+        std::upper_bound(Runs.begin(), Runs.end(), Key,
+                         [](size_t K, const TKXDeferredRun& R) { return K < R.FirstKey; });
+    const TKXDeferredRun& Run = *std::prev(It);
+    Offset = Key - Run.FirstKey;
+    return Run;
+  }
+};
 
 namespace {
 
@@ -57,7 +108,8 @@ void TKX2DChartValue::DefineProperties(TFiler& Filer) {
 // --- TKX2DChartValues ---
 
 TKX2DChartValues::TKX2DChartValues(TKXCustomChart* AOwner, TKXChartValueClass ValueClass)
-    : TKXChartValues(AOwner, ValueClass), FSummary(std::make_unique<TKXValueSummary>()) {
+    : TKXChartValues(AOwner, ValueClass), FSummary(std::make_unique<TKXValueSummary>()),
+      FDeferred(std::make_unique<TKXDeferredXY>()) {
   FNumDimensions = 2;
   FTimeDimension = 0;
   FDefaultDimension = 1;
@@ -96,6 +148,126 @@ void TKX2DChartValues::SetExtentMetaData(TValueMetaData Data, const TKXChartValu
   else if (Data.Contains(mdMinimum) && Hi > FMaxValue[D])
     FMaxValue[D] = Hi;
 }
+
+// --- TKX2DChartValues: bulk adds ---
+
+void TKX2DChartValues::AddValues(std::span<const double> Y) {
+  const TKXValueSummary& S = Summary();
+  double Lo = 0, Hi = 0;
+  const bool AnyX = S.Count() > 0 && S.XMinMax(0, S.Count() - 1, Lo, Hi);
+  AddRun({}, AnyX ? Hi + 1 : 0.0, Y);
+}
+
+void TKX2DChartValues::AddValues(std::span<const double> X, std::span<const double> Y) {
+  if (X.size() != Y.size())
+    throw EListError("AddValues takes one Y for each X, not " + std::to_string(X.size()) +
+                     " X and " + std::to_string(Y.size()) + " Y");
+  AddRun(X, 0, Y);
+}
+
+void TKX2DChartValues::AddRun(std::span<const double> X, double X0, std::span<const double> Y) {
+  const size_t N = Y.size();
+  if (N == 0) return;
+  if (N > static_cast<size_t>(INT32_MAX - Count()))
+    throw EListError("A collection holds at most 2147483647 items");
+  const auto XOf = [&](size_t K) { return X.empty() ? X0 + double(K) : X[K]; };
+  const int32_t Dim = GetSortByDimension();
+  const auto SortNumber = [&](size_t K) {
+    return Dim == FXDim ? XOf(K) : Dim == FYDim ? Y[K] : 0.0;
+  };
+  TUpdateScope<TKXChartValues> Scope(this);
+
+  // A sorted collection takes the run in its own order, when that follows what it holds.
+  std::vector<size_t> Order;
+  bool ValueByValue = static_cast<bool>(FOnNotify);
+  if (FSorted && !ValueByValue) {
+    for (size_t K = 1; K < N && Order.empty(); ++K)
+      if (OrderOf(SortNumber(K - 1), SortNumber(K)) > 0) {
+        Order.resize(N);
+        std::iota(Order.begin(), Order.end(), size_t(0));
+        std::stable_sort(Order.begin(), Order.end(), [&](size_t A, size_t B) {
+          return OrderOf(SortNumber(A), SortNumber(B)) < 0;
+        });
+      }
+    const double First = SortNumber(Order.empty() ? 0 : Order[0]);
+    ValueByValue = Count() > 0 && OrderOf(NumberAt(Count() - 1, Dim), First) > 0;
+  }
+  if (ValueByValue) {
+    for (size_t K = 0; K < N; ++K)
+      Add(XOf(K), Y[K]);
+    return;
+  }
+
+  // The palette walks a list of 10: the first ten steps give every colour, and the steps
+  // taken in all leave the counter as N steps would.
+  TKXDeferredRun Run;
+  const size_t Steps = N <= Run.Palette.size() ? N : Run.Palette.size() + (N - 10) % 10;
+  for (size_t K = 0; K < Steps; ++K) {
+    const TColor C = NextValueColor();
+    if (K < Run.Palette.size()) Run.Palette[K] = C;
+  }
+  // Under a Limit the first values of the run would go again at once: they only take their
+  // colour.
+  const size_t Skip = FLimit > 0 && N > size_t(FLimit) ? N - size_t(FLimit) : 0;
+  Run.Count = N - Skip;
+  if (Order.empty()) {
+    if (X.empty())
+      Run.X0 = X0 + double(Skip);
+    else
+      Run.TakeX(X, Skip);
+    Run.Y.assign(Y.begin() + std::ptrdiff_t(Skip), Y.end());
+    std::rotate(Run.Palette.begin(), Run.Palette.begin() + std::ptrdiff_t(Skip % 10),
+                Run.Palette.end());
+  } else {
+    Run.X.resize(Run.Count);
+    Run.Y.resize(Run.Count);
+    Run.Colors.resize(Run.Count);
+    for (size_t J = 0; J < Run.Count; ++J) {
+      const size_t K = Order[Skip + J];
+      Run.X[J] = XOf(K);
+      Run.Y[J] = Y[K];
+      Run.Colors[J] = Run.Palette[K % 10];
+    }
+  }
+  const int32_t First = Count();
+  Run.FirstKey = AddDeferred(Run.Count);
+  FDeferred->Runs.push_back(std::move(Run));
+  TellObservers(First);
+  FVisibleCount += static_cast<int32_t>(N - Skip);
+  FNeedMetaUpdate = true;
+  while (FLimit > 0 && Count() > FLimit)
+    Delete(0);
+}
+
+TCollectionItem* TKX2DChartValues::MakeDeferredItem(int32_t, size_t Key) {
+  size_t Offset = 0;
+  const TKXDeferredRun& Run = FDeferred->Find(Key, Offset);
+  const double Numbers[] = {Run.XAt(Offset), Run.Y[Offset]};
+  return NewDeferredValue(Numbers, Run.ColorAt(Offset));
+}
+
+void TKX2DChartValues::DeferredItemsDone() {
+  FDeferred->Runs = {};
+}
+
+bool TKX2DChartValues::DeferredXY(int32_t Index, double& X, double& Y, TColor& Color) const {
+  size_t Key = 0, Offset = 0;
+  if (!DeferredKey(Index, Key)) return false;
+  const TKXDeferredRun& Run = FDeferred->Find(Key, Offset);
+  X = Run.XAt(Offset);
+  Y = Run.Y[Offset];
+  Color = Run.ColorAt(Offset);
+  return true;
+}
+
+double TKX2DChartValues::NumberAt(int32_t Index, int32_t Dimension) const {
+  double X = 0, Y = 0;
+  TColor Color = clNone;
+  if (!DeferredXY(Index, X, Y, Color)) return Items(Index)->GetValue(Dimension);
+  return Dimension == FXDim ? X : Dimension == FYDim ? Y : 0.0;
+}
+
+// --- TKX2DChartValues: the summary ---
 
 const TKXValueSummary& TKX2DChartValues::Summary() const {
   FSummary->Sync(this);

@@ -20,6 +20,7 @@ namespace kx {
 
 class TKX2DChartValues;
 class TKXValueSummary;
+class TKXDeferredXY;
 class TKX3DChartValues;
 class TKX2DImageChartValues;
 
@@ -62,6 +63,8 @@ using TKX2DChartValuesEnumerator = TCollectionEnumeratorOf<TKX2DChartValue>;
 
 // --- TKX2DChartValues ---
 
+// The values of a chart that places them by X and Y, with a summary of them for the paint
+// of many values, and the bulk adds (AddValues) that take millions of values at once.
 class TKX2DChartValues : public TKXChartValues {
   KX_CLASS(TKX2DChartValues, TKXChartValues)
 
@@ -73,6 +76,8 @@ private:
   // Built on first use; told of every change from then on. Held by pointer because the
   // summary's type is the library's own business (a private header).
   std::unique_ptr<TKXValueSummary> FSummary;
+  // The numbers and colours of the values added in bulk and not made yet, by key.
+  std::unique_ptr<TKXDeferredXY> FDeferred;
 
 public:
   // Two dimensions, X the time dimension, Y the default one.
@@ -102,6 +107,16 @@ public:
   TKX2DChartValue* Add(double Value, const std::string& Caption = "", TColor Color = TColor(-1));
   TKX2DChartValue* Add(double X, double Y, const std::string& Caption = "",
                        TColor Color = TColor(-1));
+  // Bulk adds: a value per number, as that many Add(X, Y) in one bracket would add them
+  // (each takes its palette colour, a sorted collection stays sorted, Limit holds, one
+  // change notice), but made only when something asks for one of them: until then a value
+  // costs its numbers. A sorted collection takes a run fastest in its order after the values
+  // it has; a run that goes among them is added value by value, and so is every run while
+  // OnNotify is assigned (it hears each value).
+  // Y at X = the largest finite X present plus 1, 2, 3, ... (0, 1, 2, ... when none is).
+  void AddValues(std::span<const double> Y);
+  // X and Y in pairs. Raises EListError when the spans differ in length.
+  void AddValues(std::span<const double> X, std::span<const double> Y);
   TKX2DChartValue* Insert(int32_t Index) {
     return static_cast<TKX2DChartValue*>(TKXChartValues::Insert(Index));
   }
@@ -127,6 +142,9 @@ public:
 protected:
   void Notify(TCollectionItem* Item, TCollectionNotification Action) override;
   void ItemsMoved(int32_t From, int32_t To) override;
+  // A value added by AddValues, with its numbers and colour.
+  TCollectionItem* MakeDeferredItem(int32_t Index, size_t Key) override;
+  void DeferredItemsDone() override;
   // X and Y from the summary.
   bool GetIndexedExtent(int32_t Dimension, double& Lo, double& Hi) const override;
   // SortByDimension, then the date dimensions (always stored).
@@ -138,6 +156,15 @@ protected:
   // become the value's extent by GetValueDimMinimum and GetValueDimMaximum. A value that
   // reaches past both ends of the range so far widens both.
   void SetExtentMetaData(TValueMetaData Data, const TKXChartValue* Value, int32_t Dimension);
+
+private:
+  friend class TKXValueSummary;
+  // X, Y and colour of the value at Index without making it; false when it is made.
+  bool DeferredXY(int32_t Index, double& X, double& Y, TColor& Color) const;
+  // The number of the value at Index on Dimension, without making it.
+  double NumberAt(int32_t Index, int32_t Dimension) const;
+  // The bulk add: X counts on from X0 when the span is empty.
+  void AddRun(std::span<const double> X, double X0, std::span<const double> Y);
 };
 
 // --- TKX3DChartValue ---

@@ -7,11 +7,11 @@
 
 #include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/core/KXCustomChart.h"
-#include "kxcharts/toolkit/runtime/KXFormat.h"
 #include "kxcharts/toolkit/graphics/KXGraphics.h"
 #include "kxcharts/toolkit/objects/KXLists.h"
-#include "kxcharts/toolkit/runtime/KXMath.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
+#include "kxcharts/toolkit/runtime/KXFormat.h"
+#include "kxcharts/toolkit/runtime/KXMath.h"
 
 namespace kx {
 
@@ -329,6 +329,21 @@ TKXChartValue* TKXChartValues::Add(std::span<const double> Values, const std::st
   return Item;
 }
 
+TColor TKXChartValues::NextValueColor() const {
+  return FChart ? FChart->GetValueColor() : GetChartColor();
+}
+
+TKXChartValue* TKXChartValues::NewDeferredValue(std::span<const double> Numbers,
+                                                TColor Color) const {
+  auto* Value = static_cast<TKXChartValue*>(ItemClass()->Create(nullptr));
+  Value->Resize(FNumDimensions);
+  std::copy_n(Numbers.data(), std::min(Numbers.size(), static_cast<size_t>(Value->FCount)),
+              Value->Data());
+  Value->FColor = Color;
+  Value->FBits |= TKXChartValue::InValuesFlag;
+  return Value;
+}
+
 void TKXChartValues::CountIn(const TKXChartValue* Value, int32_t Sign) {
   if (Value->Visible()) FVisibleCount += Sign;
   if (Value->Selected()) FSelCount += Sign;
@@ -347,7 +362,7 @@ void TKXChartValues::Notify(TCollectionItem* Item, TCollectionNotification Actio
   if (FDoNotNotify) return;
   switch (Action) {
   case cnAdded:
-    Value->FColor = FChart ? FChart->GetValueColor() : GetChartColor();
+    Value->FColor = NextValueColor();
     // A value moved in from elsewhere may be hidden or selected already.
     CountIn(Value, +1);
     FNeedMetaUpdate = true;

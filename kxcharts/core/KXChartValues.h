@@ -453,6 +453,17 @@ protected:
   void SetCount(int32_t Value);
   // The class's quicksort over L..R.
   void QuickSort(int32_t L, int32_t R, TValuesSortCompare SCompare);
+  // -1, 0, 1 as A comes before, with or after B in the sort order, NaN last.
+  int32_t OrderOf(double A, double B) const;
+  // The colour the palette gives the next new value (the chart's, or the default list
+  // without a chart); advances ColorListIndex.
+  TColor NextValueColor() const;
+  // A value for a deferred item (see TCollection::AddDeferred): of the item class, outside
+  // any collection, with Numbers in its first dimensions (the others 0) and Color, and
+  // marked as one of this collection's values. Nothing is told and no palette step is taken.
+  TKXChartValue* NewDeferredValue(std::span<const double> Numbers, TColor Color) const;
+  // Tells the observers that the values from Index on may not be what they were.
+  void TellObservers(int32_t Index);
 
   void AssignTo(TPersistent* Dest) const override;
   void Notify(TCollectionItem* Item, TCollectionNotification Action) override;
@@ -465,12 +476,9 @@ private:
   friend class TKXChartValue;
   // Where Value (lifted out of its place) belongs in sort order.
   int32_t FindInsertPosition(const TKXChartValue* Value) const;
-  // -1, 0, 1 as A comes before, with or after B in the sort order, NaN last.
-  int32_t OrderOf(double A, double B) const;
   void EnsureMetaData() const;
   void MoveValue(TKXChartValue* Value, int32_t NewIndex);
   void CountIn(const TKXChartValue* Value, int32_t Sign);
-  void TellObservers(int32_t Index);
 };
 
 // The comparison Sort uses: the numbers on the sort dimension, equal within 0.0001, in

@@ -347,6 +347,7 @@ TCollection::~TCollection() {
   while (Count() > 0) {
     TCollectionItem* Item = FSlots.back();
     FSlots.pop_back();
+    if (!Item) continue;
     Item->FCollection = nullptr;
     Item->Free();
   }
@@ -364,7 +365,7 @@ TCollectionItem* TCollection::Items(int32_t Index) const {
 // Gives the slots at positions FromPos..ToPos-1 of FSlots the numbers of their positions.
 void TCollection::Renumber(size_t FromPos, size_t ToPos) {
   for (size_t P = FromPos; P < ToPos; ++P)
-    FSlots[P]->FSlot = FBase + static_cast<uint32_t>(P);
+    if (FSlots[P]) FSlots[P]->FSlot = FBase + static_cast<uint32_t>(P);
 }
 
 void TCollection::PushSlot(TCollectionItem* Item) {
@@ -377,6 +378,8 @@ void TCollection::PushSlot(TCollectionItem* Item) {
 void TCollection::RemoveSlot(int32_t Index) {
   const size_t N = static_cast<size_t>(Count());
   const size_t I = static_cast<size_t>(Index);
+  // Deferred items are found by slot number, which only a removal at either end keeps.
+  if (I != 0 && I + 1 != N) MakeDeferredItems();
   const size_t P = FStart + I;
   if (I + 1 == N) {
     FSlots.pop_back();
@@ -402,6 +405,7 @@ void TCollection::RemoveSlot(int32_t Index) {
 }
 
 void TCollection::MoveSlot(int32_t From, int32_t To) {
+  MakeDeferredItems();
   const auto B = FSlots.begin() + static_cast<ptrdiff_t>(FStart);
   if (From < To) {
     std::rotate(B + From, B + From + 1, B + To + 1);
@@ -481,6 +485,7 @@ void TCollection::ExchangeItems(int32_t Index1, int32_t Index2) {
   CheckIndex(Index1);
   CheckIndex(Index2);
   if (Index1 == Index2) return;
+  MakeDeferredItems();
   const size_t P1 = FStart + static_cast<size_t>(Index1);
   const size_t P2 = FStart + static_cast<size_t>(Index2);
   std::swap(FSlots[P1], FSlots[P2]);
@@ -495,7 +500,14 @@ void TCollection::SetItem(int32_t Index, const TCollectionItem* Value) {
 
 TCollectionItem* TCollection::FindItemID(int32_t ID) const {
   for (size_t P = FStart; P < FSlots.size(); ++P)
-    if (FSlots[P]->FID == ID) return FSlots[P];
+    if (FSlots[P] && FSlots[P]->FID == ID) return FSlots[P];
+  for (const TDeferredRun& Run : FDeferredRuns) {
+    const auto Offset = static_cast<uint32_t>(ID) - static_cast<uint32_t>(Run.FirstID);
+    if (Offset >= Run.Count) continue;
+    const size_t Pos = static_cast<uint32_t>(Run.FirstSlot + Offset - FBase);
+    if (Pos >= FStart && Pos < FSlots.size() && !FSlots[Pos])
+      return const_cast<TCollection*>(this)->MakeDeferred(Pos);
+  }
   return nullptr;
 }
 
@@ -539,10 +551,91 @@ void TCollection::Assign(const TPersistent* Source) {
 void TCollection::BeforeDestruction() {
   // Nobody hears Update about a collection that is going; Notify still runs per item.
   ++FUpdateCount;
-  while (Count() > 0)
-    Delete(Count() - 1);
+  while (Count() > 0) {
+    if (FSlots.back()) {
+      Delete(Count() - 1);
+    } else {
+      FSlots.pop_back();
+      DeferredGone();
+    }
+  }
   inherited::BeforeDestruction();
 }
+
+// --- TCollection: deferred items ---
+
+size_t TCollection::AddDeferred(size_t Count) {
+  if (Count == 0) return FNextKey;
+  const size_t Limit = static_cast<size_t>(std::numeric_limits<int32_t>::max());
+  if (Count > Limit || static_cast<size_t>(this->Count()) > Limit - Count)
+    throw EListError("A collection holds at most 2147483647 items");
+  const size_t First = FSlots.size();
+  FSlots.resize(First + Count, nullptr);
+  const size_t Key = FNextKey;
+  FDeferredRuns.push_back(
+      {FBase + static_cast<uint32_t>(First), static_cast<int32_t>(FNextID), Key, Count});
+  FNextID += static_cast<uint32_t>(Count);
+  FNextKey += Count;
+  FDeferredCount += Count;
+  return Key;
+}
+
+const TCollection::TDeferredRun* TCollection::RunOfSlot(uint32_t Slot) const {
+  // Runs follow one another in slot order; there are few of them.
+  for (auto It = FDeferredRuns.rbegin(); It != FDeferredRuns.rend(); ++It)
+    if (Slot - It->FirstSlot < It->Count) return &*It;
+  return nullptr;
+}
+
+bool TCollection::DeferredKey(int32_t Index, size_t& Key) const {
+  CheckIndex(Index);
+  const size_t Pos = FStart + static_cast<size_t>(Index);
+  if (FSlots[Pos]) return false;
+  const uint32_t Slot = FBase + static_cast<uint32_t>(Pos);
+  const TDeferredRun* Run = RunOfSlot(Slot);
+  Key = Run->FirstKey + (Slot - Run->FirstSlot);
+  return true;
+}
+
+TCollectionItem* TCollection::MakeDeferred(size_t Pos) {
+  const uint32_t Slot = FBase + static_cast<uint32_t>(Pos);
+  const TDeferredRun* Run = RunOfSlot(Slot);
+  const uint32_t Offset = Slot - Run->FirstSlot;
+  const int32_t ID = static_cast<int32_t>(static_cast<uint32_t>(Run->FirstID) + Offset);
+  TCollectionItem* Item =
+      MakeDeferredItem(static_cast<int32_t>(Pos - FStart), Run->FirstKey + Offset);
+  if (!Item || Item->FCollection || !Item->InheritsFrom(FItemClass) || FSlots[Pos]) {
+    if (Item && Item->FCollection == nullptr && Item != FSlots[Pos]) Item->Free();
+    throw EListError("A deferred item of a " + ClassName() +
+                     " was not made as one: " + "MakeDeferredItem must answer a new " +
+                     std::string(FItemClass->ClassName()) + " outside any collection");
+  }
+  FSlots[Pos] = Item;
+  Item->FCollection = this;
+  Item->FSlot = Slot;
+  Item->FID = ID;
+  DeferredGone();
+  return Item;
+}
+
+void TCollection::MakeDeferredItems() {
+  for (size_t P = FStart; FDeferredCount > 0 && P < FSlots.size(); ++P)
+    if (!FSlots[P]) MakeDeferred(P);
+}
+
+void TCollection::DeferredGone() {
+  if (--FDeferredCount > 0) return;
+  FDeferredRuns.clear();
+  FNextKey = 0;
+  DeferredItemsDone();
+}
+
+TCollectionItem* TCollection::MakeDeferredItem(int32_t Index, size_t) {
+  throw EListError("The item at index " + std::to_string(Index) + " of a " + ClassName() +
+                   " was deferred, but the collection has nothing to make it from");
+}
+
+void TCollection::DeferredItemsDone() {}
 
 // --- Class registry ---
 

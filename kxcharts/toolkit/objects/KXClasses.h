@@ -420,14 +420,28 @@ using TCollectionEnumerator = TCollectionEnumeratorOf<TCollectionItem>;
 
 // --- TCollection ---
 
+// A collection can also hold items that are not made yet (deferred items, see AddDeferred):
+// a descendant that takes many items at once keeps their data in its own compact form, and
+// an item is made from it the first time anything asks for it (Items, the enumerator, a
+// move, a delete). Until then it counts in Count, has its ID and its place, and costs what
+// the descendant keeps for it.
 class TCollection : public TPersistent {
   KX_CLASS(TCollection, TPersistent)
 
 private:
+  // The deferred items added in one AddDeferred: their slot numbers, IDs and keys run on
+  // from the first.
+  struct TDeferredRun {
+    uint32_t FirstSlot;
+    int32_t FirstID;
+    size_t FirstKey;
+    size_t Count;
+  };
+
   TCollectionItemClass FItemClass;
-  // Item pointers by position. The first FStart slots are free (items deleted at the
-  // front), so deleting index 0 shifts nothing; they are reclaimed in bulk. Slot numbers
-  // run modulo 2^32 from FBase, which is the slot number of FSlots[0].
+  // Item pointers by position; nullptr for a deferred item. The first FStart slots are free
+  // (items deleted at the front), so deleting index 0 shifts nothing; they are reclaimed in
+  // bulk. Slot numbers run modulo 2^32 from FBase, which is the slot number of FSlots[0].
   std::vector<TCollectionItem*> FSlots;
   size_t FStart = 0;
   uint32_t FBase = 0;
@@ -435,6 +449,9 @@ private:
   int32_t FUpdateCount = 0;
   // The item whose removal is being notified, so that a handler cannot delete it twice.
   const TCollectionItem* FRemoving = nullptr;
+  std::vector<TDeferredRun> FDeferredRuns;
+  size_t FDeferredCount = 0;
+  size_t FNextKey = 0;
 
 public:
   // Raises Exception for a missing item class.
@@ -473,10 +490,15 @@ public:
   TCollectionEnumerator GetEnumerator() const { return TCollectionEnumerator(this); }
   TCollectionEnumerator::iterator begin() const { return GetEnumerator().begin(); }
   TCollectionEnumerator::iterator end() const { return GetEnumerator().end(); }
+  // The number of items added by AddDeferred that nothing has asked for yet.
+  int32_t DeferredCount() const { return static_cast<int32_t>(FDeferredCount); }
+  // Makes every deferred item now, first to last.
+  void MakeDeferredItems();
 
   // From another collection: clears this one and adds a copy of each item, in one
   // bracket. Should an item refuse its copy, the collection is left empty.
   void Assign(const TPersistent* Source) override;
+  // Deferred items that are still not made go unmade and unheard.
   void BeforeDestruction() override;
 
 protected:
@@ -500,9 +522,35 @@ protected:
   // descendant keeping data by index can tell what went stale. The base does nothing.
   virtual void ItemsMoved(int32_t From, int32_t To);
 
+  // --- Deferred items ---
+  // Appends Count deferred items, each with its ID, and answers the key of the first; the
+  // others have the keys that follow, and MakeDeferredItem gets an item's key when it is
+  // made. No Notify and no Update: the descendant books the items and tells what it must.
+  // Keys start again at 0 once every deferred item is made or gone (DeferredItemsDone).
+  size_t AddDeferred(size_t Count);
+  // Whether the item at Index is deferred, and its key then. Raises EListError outside
+  // 0..Count-1.
+  bool DeferredKey(int32_t Index, size_t& Key) const;
+  // Makes the deferred item with Key, at Index now: a new item of the item class outside any
+  // collection, with what the descendant kept for it. The collection then puts it in its
+  // place without telling anyone (no Notify, no Update). The base raises: only a descendant
+  // that adds deferred items has any to make.
+  virtual TCollectionItem* MakeDeferredItem(int32_t Index, size_t Key);
+  // The last deferred item was made or dropped: what was kept for them can go. The base
+  // does nothing.
+  virtual void DeferredItemsDone();
+
 private:
   friend class TCollectionItem;
-  TCollectionItem* At(size_t Index) const { return FSlots[FStart + Index]; }
+  TCollectionItem* At(size_t Index) const {
+    TCollectionItem* Item = FSlots[FStart + Index];
+    return Item ? Item : const_cast<TCollection*>(this)->MakeDeferred(FStart + Index);
+  }
+  // Makes the deferred item at position Pos of FSlots and puts it there.
+  TCollectionItem* MakeDeferred(size_t Pos);
+  const TDeferredRun* RunOfSlot(uint32_t Slot) const;
+  // One deferred item fewer; the runs go with the last.
+  void DeferredGone();
   void CheckIndex(int32_t Index) const;
   int32_t IndexOfItem(const TCollectionItem* Item) const {
     return static_cast<int32_t>(Item->FSlot - FBase - static_cast<uint32_t>(FStart));
