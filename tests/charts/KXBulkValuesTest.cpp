@@ -1,6 +1,7 @@
 // Values added in bulk (AddValues) against the same values added one by one: the same
 // numbers in the same places with the same colours, under every sort setting and Limit; and
 // they stay unmade while only the summary and a reduced paint read them.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -186,6 +187,21 @@ TEST(BulkValues, AListenerHearsEveryValue) {
   Chart->Values()->AddValues(Count(7), Count(7));
   EXPECT_EQ(Added, 7);
   EXPECT_EQ(Chart->Values()->DeferredCount(), 0);
+}
+
+TEST(BulkValues, AnObserverHearsWhereTheRunBegan) {
+  struct TObserver : IChartValuesObserver {
+    std::vector<int32_t> Heard;
+    void ValuesChanged(TKXChartValues*, int32_t Index) override { Heard.push_back(Index); }
+  } Observer;
+  TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
+  TKX2DChartValues* V = New<TKXLineChart>(Form.get())->Values();
+  V->AddValues(Count(2), Count(2));
+  V->AddObserver(&Observer);
+  V->AddValues(Count(3, 5), Count(3));
+  ASSERT_FALSE(Observer.Heard.empty());
+  EXPECT_EQ(*std::min_element(Observer.Heard.begin(), Observer.Heard.end()), 2);
+  V->RemoveObserver(&Observer);
 }
 
 TEST(BulkValues, YAloneTakesXOnFromTheLargestX) {
