@@ -3,6 +3,7 @@
 // they stay unmade while only the summary and a reduced paint read them.
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <set>
 #include <string>
@@ -173,6 +174,72 @@ INSTANTIATE_TEST_SUITE_P(
                   {0.1, 0.2, 0.30000000000000004, 0.4, 1e308, Inf},
                   Count(6)}),
     [](const testing::TestParamInfo<TBulkCase>& I) { return std::string(I.param.Name); });
+
+// Whatever is done to a collection that holds values waiting to be made, it must end as the
+// same collection filled one value at a time would.
+TEST(BulkValues, EveryChangeAfterARunSeesTheValuesAsAdded) {
+  struct TCase {
+    const char* Name;
+    std::function<void(TKX2DChartValues*)> Change;
+  };
+  const TCase Cases[] = {
+      {"sorting them", [](TKX2DChartValues* V) { V->SetSorted(true); }},
+      {"a lower Limit", [](TKX2DChartValues* V) { V->SetLimit(3); }},
+      {"deleting in the middle", [](TKX2DChartValues* V) { V->Delete(3); }},
+      {"deleting the first and the last",
+       [](TKX2DChartValues* V) {
+         V->Delete(0);
+         V->Delete(V->Count() - 1);
+       }},
+      {"inserting", [](TKX2DChartValues* V) { V->Insert(2)->SetY(-1); }},
+      {"moving", [](TKX2DChartValues* V) { V->Items(6)->SetIndex(1); }},
+      {"clearing and adding", [](TKX2DChartValues* V) {
+         V->Clear();
+         V->Add(1, 2);
+       }},
+      {"hiding and selecting by ID",
+       [](TKX2DChartValues* V) {
+         V->FindItemID(4)->SetVisible(false);
+         V->FindItemID(5)->SetSelected(true);
+       }},
+      {"reading through the enumerator",
+       [](TKX2DChartValues* V) {
+         for (TKX2DChartValue* P : *V)
+           P->SetY(P->Y() * 2);
+       }},
+  };
+  const std::vector<double> X{3, 1, 4, 1.5, 5, 9, 2, 6}, Y{1, 2, 3, 4, 5, 6, 7, 8};
+  for (const TCase& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    TTwin One(TBulkCase{}), Bulk(TBulkCase{});
+    for (TTwin* T : {&One, &Bulk})
+      T->Values()->SetSorted(false);
+    ColorListIndex = 0;
+    for (size_t K = 0; K < X.size(); ++K)
+      One.Values()->Add(X[K], Y[K]);
+    ColorListIndex = 0;
+    Bulk.Values()->AddValues(X, Y);
+    ASSERT_EQ(Bulk.Values()->DeferredCount(), int32_t(X.size()));
+    // The palette is one for all: a value the change adds takes the same colour in both.
+    for (TTwin* T : {&One, &Bulk}) {
+      ColorListIndex = 5;
+      C.Change(T->Values());
+    }
+    const TKX2DChartValues *A = One.Values(), *B = Bulk.Values();
+    ASSERT_EQ(B->Count(), A->Count());
+    EXPECT_EQ(B->VisibleCount(), A->VisibleCount());
+    EXPECT_EQ(B->SelCount(), A->SelCount());
+    EXPECT_EQ(B->MaxValue(1), A->MaxValue(1));
+    for (int32_t I = 0; I < A->Count(); ++I) {
+      SCOPED_TRACE(testing::Message() << "value " << I);
+      EXPECT_EQ(B->Items(I)->X(), A->Items(I)->X());
+      EXPECT_EQ(B->Items(I)->Y(), A->Items(I)->Y());
+      EXPECT_EQ(B->Items(I)->Color(), A->Items(I)->Color());
+      EXPECT_EQ(B->Items(I)->ID(), A->Items(I)->ID());
+      EXPECT_EQ(B->Items(I)->Visible(), A->Items(I)->Visible());
+    }
+  }
+}
 
 TEST(BulkValues, AListenerHearsEveryValue) {
   TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));

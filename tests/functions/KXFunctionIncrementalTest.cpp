@@ -1,8 +1,10 @@
 // The incremental mode against the whole rebuild: two functions of the same settings on
 // one source, one incremental, one not, must leave targets with the same numbers after
 // every change a random walk makes to the source.
+#include <cmath>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "KXFunctionsTestSupport.h"
 #include "kxcharts/toolkit/runtime/KXDateUtils.h"
@@ -93,6 +95,33 @@ TEST_P(Incremental, AnAppendKeepsTheTargetValuesOfEarlierPeriodsWhereCovered) {
   Source->Values()->Add(EncodeDate(2024, 1, 1) + 200 * 0.3, 200);
   EXPECT_EQ(Target->Values()->Items(0)->ID() == FirstID, GetParam().Covered);
   ExpectXY(ReadXY(Target), ReadXY(Full), 1e-6);
+}
+
+// Runs added in bulk wait unmade in the source; both targets must still come out as for the
+// same numbers added one at a time, run after run.
+TEST_P(Incremental, BulkRunsGiveWhatAddingOneByOneGives) {
+  auto* Twin = New<TKXLineChart>(Form.get());
+  auto* TwinTarget = New<TKXLineChart>(Form.get());
+  auto* TwinFunction = New<TKXChartFunction>(Form.get());
+  TwinFunction->SetFunctionType(GetParam().Type);
+  TwinFunction->SetPeriod(GetParam().Period);
+  TwinFunction->SetPeriodValue(GetParam().PeriodValue);
+  TwinFunction->SetSourceChart(Twin);
+  TwinFunction->SetTargetChart(TwinTarget);
+  double X = EncodeDate(2024, 1, 1);
+  for (int Run = 0; Run < 3; ++Run) {
+    std::vector<double> Xs, Ys;
+    for (int I = 0; I < 25; ++I) {
+      Xs.push_back(X += 0.3);
+      Ys.push_back(std::sin(X) * 10);
+    }
+    Source->Values()->AddValues(Xs, Ys);
+    for (size_t I = 0; I < Xs.size(); ++I)
+      Twin->Values()->Add(Xs[I], Ys[I]);
+    SCOPED_TRACE(testing::Message() << "after run " << Run);
+    ExpectXY(ReadXY(Target), ReadXY(TwinTarget), 1e-6);
+    ExpectXY(ReadXY(Full), ReadXY(TwinTarget), 1e-6);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(

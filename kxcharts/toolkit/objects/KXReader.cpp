@@ -460,7 +460,11 @@ struct TReaderAccess {
       if (ClassName == ChildJson.end() || !ClassName->is_string())
         S.Fail("a component needs its \"Class\"");
       TClass Class = GetClass(ClassName->get_ref<const std::string&>());
-      if (!Class) S.Fail("Class " + ClassName->get<std::string>() + " not found");
+      // Most often the library's own classes, before anything registered them.
+      if (!Class)
+        S.Fail("Class " + ClassName->get<std::string>() +
+               " not found: call kx::StartChartModules() before reading a form (it registers "
+               "every chart class), and RegisterClass for classes of your own");
       const auto* Meta = dynamic_cast<const TComponentMeta*>(Class);
       if (!Meta) S.Fail(ClassName->get<std::string>() + " is not a component class");
       TComponent* Child = nullptr;

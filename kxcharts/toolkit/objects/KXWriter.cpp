@@ -88,6 +88,20 @@ std::string ComponentSegment(const TComponent* C, size_t Index) {
   return C->Name().empty() ? "Components[" + std::to_string(Index) + "]" : C->Name();
 }
 
+// Why a reference to the unnamed C cannot be written, and what to do about it: which
+// component it is (its class and where it stands among its owner's) and how to name it.
+std::string UnnamedTarget(const TComponent* C, bool IsRoot) {
+  std::string Which = "a " + std::string(C->ClassType()->ClassName()) + " without a name";
+  if (IsRoot)
+    Which = "the form, " + Which;
+  else if (const TComponent* Owner = C->Owner())
+    Which += " (component " + std::to_string(C->ComponentIndex()) + " of " +
+             (Owner->Name().empty() ? "a " + std::string(Owner->ClassType()->ClassName())
+                                    : Owner->Name()) +
+             ")";
+  return "it refers to " + Which + ": give it a name with SetName before saving";
+}
+
 } // namespace
 
 // --- TWriter ---
@@ -211,14 +225,14 @@ void TWriter::WriteValue(std::string_view Name, const TStoredType& Type,
   case TStoredKind::Reference: {
     const TComponent* Target = Value.Component;
     if (Target == FRoot) {
-      if (Target->Name().empty()) S.Fail("the form it refers to has no name");
+      if (Target->Name().empty()) S.Fail(UnnamedTarget(Target, true));
       J = Target->Name();
       break;
     }
     std::string RefPath;
     for (const TComponent* C = Target; C != FRoot; C = C->Owner()) {
       if (!C) S.Fail("it refers to " + Target->Name() + ", which is not part of the form");
-      if (C->Name().empty()) S.Fail("it refers to a component without a name");
+      if (C->Name().empty()) S.Fail(UnnamedTarget(C, false));
       RefPath = RefPath.empty() ? C->Name() : C->Name() + "." + RefPath;
     }
     J = RefPath;

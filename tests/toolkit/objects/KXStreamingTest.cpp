@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -529,6 +530,48 @@ TEST_F(Streaming, BadInputRaisesAClearErrorAndLeavesTheFormAsItWas) {
     ASSERT_EQ(Target->ComponentCount(), 1);
     EXPECT_EQ(Target->Components(0)->Name(), "Kept");
     EXPECT_FALSE(Target->ComponentState().Contains(csLoading));
+  }
+}
+
+// A reference to a component without a name cannot be written: the message says which
+// component it is and how to name it.
+TEST_F(Streaming, AReferenceToAnUnnamedComponentSaysWhichAndHowToNameIt) {
+  struct TCase {
+    const char* Name;
+    // Builds the root and answers the panel that its chart Chart1 is to refer to.
+    std::function<TStPanel*(TOwned<TComponent>&)> Build;
+    const char* Message;
+  };
+  const TCase Cases[] = {
+      {"the root itself",
+       [](TOwned<TComponent>& Root) {
+         Root.reset(New<TStPanel>(nullptr));
+         return static_cast<TStPanel*>(Root.get());
+       },
+       "Error writing TStPanel.Chart1.Panel: it refers to the form, a TStPanel without a "
+       "name: give it a name with SetName before saving"},
+      {"a panel of the form",
+       [](TOwned<TComponent>& Root) {
+         Root.reset(Make<TStForm>(nullptr, "Form1"));
+         New<TStPanel>(Root.get());
+         return New<TStPanel>(Root.get());
+       },
+       "Error writing Form1.Chart1.Panel: it refers to a TStPanel without a name (component 1 "
+       "of Form1): give it a name with SetName before saving"},
+      {"a panel in an unnamed panel",
+       [](TOwned<TComponent>& Root) {
+         Root.reset(Make<TStForm>(nullptr, "Form1"));
+         return New<TStPanel>(New<TStPanel>(Root.get()));
+       },
+       "Error writing Form1.Chart1.Panel: it refers to a TStPanel without a name (component 0 "
+       "of a TStPanel): give it a name with SetName before saving"},
+  };
+  for (const TCase& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    TOwned<TComponent> Root;
+    TStPanel* Target = C.Build(Root);
+    Make<TStChart>(Root.get(), "Chart1")->SetPanel(Target);
+    EXPECT_EQ(test::MessageOf<EFilerError>([&] { SaveFormToString(Root.get()); }), C.Message);
   }
 }
 
