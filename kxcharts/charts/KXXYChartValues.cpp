@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <numeric>
 #include <vector>
 
@@ -180,6 +181,13 @@ void TKX2DChartValues::AddRun(std::span<const double> X, double X0, std::span<co
   // A sorted collection takes the run in its own order, when that follows what it holds.
   std::vector<size_t> Order;
   bool ValueByValue = static_cast<bool>(FOnNotify);
+  // Under a Limit a sorted collection lets its values of no sort number go first: a run that
+  // brings or meets such values takes the road of single adds, which knows that rule.
+  if (FSorted && FLimit > 0 && !ValueByValue) {
+    for (size_t K = 0; K < N && !ValueByValue; ++K)
+      ValueByValue = std::isnan(SortNumber(K));
+    if (!ValueByValue && Count() > 0) ValueByValue = std::isnan(NumberAt(Count() - 1, Dim));
+  }
   if (FSorted && !ValueByValue) {
     for (size_t K = 1; K < N && Order.empty(); ++K)
       if (OrderOf(SortNumber(K - 1), SortNumber(K)) > 0) {

@@ -307,6 +307,32 @@ void TKXChartValues::BeforeDestruction() {
 
 // --- TKXChartValues: adding and counting ---
 
+namespace {
+
+// The index of the value that leaves Values when one too many arrives under its Limit: in a
+// sorted collection the oldest value whose number on Dim is NaN, when it holds one besides
+// the arrival; else 0. Such values have no place to be shown; were value 0 always the one to
+// go, a live window fed now and then such a value would end up holding nothing else.
+int32_t LimitVictim(const TKXChartValues& Values, int32_t Dim) {
+  // The value that arrives stands last, its numbers still to come: it is never the one.
+  const int32_t Before = Values.Count() - 2;
+  if (!Values.Sorted() || Before < 0) return 0;
+  const auto NaNAt = [&](int32_t I) { return std::isnan(Values.Items(I)->GetValue(Dim)); };
+  if (!NaNAt(Before)) return 0;
+  // They stand together at the end in the order they came: the first of them is the oldest.
+  int32_t Low = 0, High = Before;
+  while (Low < High) {
+    const int32_t Mid = (High - Low) / 2 + Low;
+    if (NaNAt(Mid))
+      High = Mid;
+    else
+      Low = Mid + 1;
+  }
+  return Low;
+}
+
+} // namespace
+
 TKXChartValue* TKXChartValues::Add() {
   return Add(static_cast<double>(Count()));
 }
@@ -366,7 +392,7 @@ void TKXChartValues::Notify(TCollectionItem* Item, TCollectionNotification Actio
     // A value moved in from elsewhere may be hidden or selected already.
     CountIn(Value, +1);
     FNeedMetaUpdate = true;
-    if (FLimit > 0 && Count() > FLimit) Delete(0);
+    if (FLimit > 0 && Count() > FLimit) Delete(LimitVictim(*this, GetSortByDimension()));
     break;
   case cnExtracting:
     FNeedMetaUpdate = true;

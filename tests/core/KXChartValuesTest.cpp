@@ -152,6 +152,46 @@ TEST(ChartValues, LimitKeepsCountsAndDropsTheFirstPositionOfASortedCollection) {
   EXPECT_EQ(V->VisibleCount(), 3);
 }
 
+// A live window of numbers with a NaN now and then keeps showing its latest numbers.
+TEST(ChartValues, ALimitedWindowKeepsItsLatestNumbersAmongNaN) {
+  std::vector<double> EverySeventhNaN;
+  for (int I = 0; I < 70; ++I)
+    EverySeventhNaN.push_back(I % 7 == 6 ? NaN : I);
+  const struct {
+    const char* Name;
+    bool Sorted;
+    TSortOrder Order;
+    int32_t Limit;
+    std::vector<double> Added, Expected;
+  } Cases[] = {
+      {"EverySeventhNaNAscending", true, soAscending, 10, EverySeventhNaN,
+       {59, 60, 61, 63, 64, 65, 66, 67, 68, NaN}},
+      // Value 0 of a descending window is its largest number, which goes as before; the NaN
+      // go first all the same.
+      {"EverySeventhNaNDescending", true, soDescending, 10, EverySeventhNaN,
+       {9, 8, 7, 5, 4, 3, 2, 1, 0, NaN}},
+      {"ANaNAtAFullWindowPushesOutValueZero", true, soAscending, 3, {1, 2, 3, NaN}, {2, 3, NaN}},
+      {"TheNextNumberPushesOutTheNaN", true, soAscending, 3, {1, 2, 3, NaN, 4}, {2, 3, 4}},
+      {"ANaNPushesOutAnOlderNaN", true, soAscending, 3, {1, NaN, 2, NaN}, {1, 2, NaN}},
+      {"OnlyNaN", true, soAscending, 2, {NaN, NaN, NaN}, {NaN, NaN}},
+      {"UnsortedDropsItsOldest", false, soAscending, 3, {1, NaN, 2, 3}, {NaN, 2, 3}},
+  };
+  for (const auto& C : Cases) {
+    SCOPED_TRACE(C.Name);
+    TLooseValues V;
+    V->SetSortOrder(C.Order);
+    V->SetSorted(C.Sorted);
+    V->SetLimit(C.Limit);
+    for (double X : C.Added)
+      V->Add(X);
+    const std::vector<double> Got = NumbersOf(V.get(), 0);
+    ASSERT_EQ(Got.size(), C.Expected.size());
+    for (size_t I = 0; I < Got.size(); ++I)
+      EXPECT_TRUE(Got[I] == C.Expected[I] || (std::isnan(Got[I]) && std::isnan(C.Expected[I])))
+          << "at " << I << ": " << Got[I] << " for " << C.Expected[I];
+  }
+}
+
 // --- Setters that clamp, display names ---
 
 TEST(ChartValue, ScaleAndOpacityAreClamped) {
