@@ -1,11 +1,13 @@
 // The chart kinds that draw free figures over the plot: guides over a line, a field of
-// arrows.
+// arrows, outlines fitted to their rectangles, and small pies on a scatter of regions.
 #include <cmath>
 #include <string>
 
 #include "gallery/KXGallery.h"
 #include "kxcharts/axes/KXChartAxis.h"
+#include "kxcharts/charts/KXChartInChart.h"
 #include "kxcharts/charts/KXCharts.h"
+#include "kxcharts/charts/KXPathCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/controls/KXForms.h"
 
@@ -116,11 +118,94 @@ void PaintGuides(TCanvas* C, const TRect& Area) {
   PaintPanel(C, S.Panel, Area);
 }
 
+// Three outlines, each in a wide and a tall rectangle: stretched on the left, kept in
+// proportion on the right. The labels stand at the foot of each rectangle.
+void PaintPaths(TCanvas* C, const TRect& Area) {
+  TKindPanel S(Area, "Paths fitted to their rectangles: stretched (left), in proportion (right)");
+  S.Ranges(0, 100, 0, 100);
+  S.Panel->Legend()->SetVisible(false);
+  struct TOutline {
+    const char* Caption;
+    const char* Path;
+    TColor Color;
+  };
+  const TOutline Outlines[] = {
+      {"Star", "M50,0 L61,35 L98,35 L68,57 L79,91 L50,70 L21,91 L32,57 L2,35 L39,35 Z",
+       static_cast<TColor>(0x30A0F0)},
+      {"House", "M0,40 L50,0 L100,40 L88,40 L88,100 L12,100 L12,40 Z M40,100 L40,65 L60,65 L60,100 Z",
+       static_cast<TColor>(0x4080C0)},
+      {"Arrow", "M0,35 L60,35 L60,10 L100,50 L60,90 L60,65 L0,65 Z",
+       static_cast<TColor>(0x50A050)},
+  };
+  for (bool Keep : {false, true}) {
+    auto* Chart = New<TKXPathChart>(S.Form.get());
+    Chart->SetCaption(Keep ? "In proportion" : "Stretched");
+    if (Keep) Chart->SetPathOptions({poPreserveAspectRatio});
+    const double Left = Keep ? 52 : 2;
+    for (int I = 0; I < 3; ++I) {
+      const TOutline& O = Outlines[I];
+      // A wide rectangle and a tall one.
+      const TRectF Rects[] = {KXRect(Left, 72 - I * 33, Left + 28, 72 - I * 33 + 24),
+                              KXRect(Left + 32, 70 - I * 33, Left + 44, 70 - I * 33 + 28)};
+      for (const TRectF& R : Rects) {
+        TKXPathChartValue* V = Chart->Values()->Add(R, O.Path, O.Caption, O.Color);
+        V->SetAlignment(tdBottomCenter);
+        V->Pen()->SetColor(static_cast<TColor>(0x303030));
+      }
+    }
+    Chart->SetPanel(S.Panel);
+  }
+  PaintPanel(C, S.Panel, Area);
+}
+
+// Regions as a scatter of small pies, each the share of three products there; small shapes
+// shed their axes and labels, and the region's name stands under its pie.
+void PaintChartInChart(TCanvas* C, const TRect& Area) {
+  TKindPanel S(Area, "Chart in chart: a pie of product shares at each region");
+  S.Ranges(0, 100, 0, 100);
+  S.Panel->Legend()->SetVisible(false);
+  auto* Map = New<TKXChartInChart>(S.Form.get());
+  Map->SetCaption("Regions");
+  Map->SetOptions(Map->Options() - coValueColors);
+  Map->DefaultShape()->Font()->SetStyle({fsBold});
+  struct TRegion {
+    const char* Name;
+    double X, Y, Size;
+    double A, B, Cc;
+  };
+  const TRegion Regions[] = {
+      {"North", 40, 74, 16, 50, 30, 20}, {"Coast", 12, 52, 12, 20, 60, 20},
+      {"Capital", 52, 40, 20, 35, 35, 30}, {"Valley", 78, 58, 13, 15, 25, 60},
+      {"South", 30, 10, 14, 45, 10, 45}, {"Islands", 80, 14, 9, 70, 20, 10},
+  };
+  const TColor Products[] = {static_cast<TColor>(0xC07030), static_cast<TColor>(0x3090E0),
+                             static_cast<TColor>(0x50A050)};
+  for (const TRegion& R : Regions) {
+    auto* Pie = New<TKXPieChart>(nullptr);
+    const double Shares[] = {R.A, R.B, R.Cc};
+    for (int I = 0; I < 3; ++I)
+      Pie->Values()->Add(Shares[I], "", Products[I]);
+    Pie->SetOptions(Pie->Options() - coValueLabels);
+    TKXChartInChartValue* V = Map->Values()->Add(
+        Pie, KXRect(R.X - R.Size / 2, R.Y - R.Size / 2, R.Size, R.Size * 1.6), shpRectangle,
+        R.Name);
+    // The map owns nothing of the pie: a chart handed in without owner goes with its value.
+    V->Brush()->SetStyle(bsClear);
+    V->Pen()->SetStyle(psClear);
+  }
+  Map->SetPanel(S.Panel);
+  PaintPanel(C, S.Panel, Area);
+}
+
 } // namespace
 
 void AddShapeKindSheets(std::vector<TGallerySheet>& Sheets) {
   Sheets.push_back({"guide", "TKXGuideChart: thresholds and a marker over a line chart", SheetW,
                     SheetH, PaintGuides});
+  Sheets.push_back({"path", "TKXPathChart: outlines fitted to their rectangles", SheetW, SheetH,
+                    PaintPaths});
+  Sheets.push_back({"chart-in-chart", "TKXChartInChart: small pies placed on a scatter of regions",
+                    SheetW, SheetH, PaintChartInChart});
   Sheets.push_back({"arrow", "TKXArrowChart: a field of arrows, coloured by strength", SheetW,
                     SheetH, PaintArrows});
 }

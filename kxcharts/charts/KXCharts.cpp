@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+#include "kxcharts/charts/KXChartInChart.h"
+#include "kxcharts/charts/KXPathCharts.h"
 #include "kxcharts/core/KXChartRegistry.h"
 
 namespace kx {
@@ -19,6 +21,8 @@ void StartChartsModule() {
     RegisterChart(ClassOf<TKXShapeChart>());
     RegisterChart(ClassOf<TKXGuideChart>());
     RegisterChart(ClassOf<TKXArrowChart>());
+    RegisterChart(ClassOf<TKXPathChart>());
+    RegisterChart(ClassOf<TKXChartInChart>());
     RegisterChart(ClassOf<TKXScatterChart>());
   });
 }
