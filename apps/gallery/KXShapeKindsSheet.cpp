@@ -132,10 +132,10 @@ void PaintPaths(TCanvas* C, const TRect& Area) {
   const TOutline Outlines[] = {
       {"Star", "M50,0 L61,35 L98,35 L68,57 L79,91 L50,70 L21,91 L32,57 L2,35 L39,35 Z",
        static_cast<TColor>(0x30A0F0)},
-      {"House", "M0,40 L50,0 L100,40 L88,40 L88,100 L12,100 L12,40 Z M40,100 L40,65 L60,65 L60,100 Z",
+      {"House",
+       "M0,40 L50,0 L100,40 L88,40 L88,100 L12,100 L12,40 Z M40,100 L40,65 L60,65 L60,100 Z",
        static_cast<TColor>(0x4080C0)},
-      {"Arrow", "M0,35 L60,35 L60,10 L100,50 L60,90 L60,65 L0,65 Z",
-       static_cast<TColor>(0x50A050)},
+      {"Arrow", "M0,35 L60,35 L60,10 L100,50 L60,90 L60,65 L0,65 Z", static_cast<TColor>(0x50A050)},
   };
   for (bool Keep : {false, true}) {
     auto* Chart = New<TKXPathChart>(S.Form.get());
@@ -166,7 +166,9 @@ void PaintChartInChart(TCanvas* C, const TRect& Area) {
   S.Panel->Legend()->SetVisible(false);
   auto* Map = New<TKXChartInChart>(S.Form.get());
   Map->SetCaption("Regions");
-  Map->SetOptions(Map->Options() - coValueColors);
+  // Pale cards under the pies, without the panel's shadow.
+  Map->SetOptions(Map->Options() - coValueColors + coNoChartShadow);
+  Map->SetColor(static_cast<TColor>(0xF4F0EC));
   Map->DefaultShape()->Font()->SetStyle({fsBold});
   struct TRegion {
     const char* Name;
@@ -174,9 +176,9 @@ void PaintChartInChart(TCanvas* C, const TRect& Area) {
     double A, B, Cc;
   };
   const TRegion Regions[] = {
-      {"North", 40, 74, 16, 50, 30, 20}, {"Coast", 12, 52, 12, 20, 60, 20},
+      {"North", 40, 74, 16, 50, 30, 20},   {"Coast", 12, 52, 12, 20, 60, 20},
       {"Capital", 52, 40, 20, 35, 35, 30}, {"Valley", 78, 58, 13, 15, 25, 60},
-      {"South", 30, 10, 14, 45, 10, 45}, {"Islands", 80, 14, 9, 70, 20, 10},
+      {"South", 30, 10, 14, 45, 10, 45},   {"Islands", 80, 14, 9, 70, 20, 10},
   };
   const TColor Products[] = {static_cast<TColor>(0xC07030), static_cast<TColor>(0x3090E0),
                              static_cast<TColor>(0x50A050)};
@@ -186,12 +188,11 @@ void PaintChartInChart(TCanvas* C, const TRect& Area) {
     for (int I = 0; I < 3; ++I)
       Pie->Values()->Add(Shares[I], "", Products[I]);
     Pie->SetOptions(Pie->Options() - coValueLabels);
-    TKXChartInChartValue* V = Map->Values()->Add(
-        Pie, KXRect(R.X - R.Size / 2, R.Y - R.Size / 2, R.Size, R.Size * 1.6), shpRectangle,
-        R.Name);
-    // The map owns nothing of the pie: a chart handed in without owner goes with its value.
-    V->Brush()->SetStyle(bsClear);
-    V->Pen()->SetStyle(psClear);
+    TKXChartInChartValue* V =
+        Map->Values()->Add(Pie, KXRect(R.X - R.Size / 2, R.Y - R.Size / 2, R.Size, R.Size * 1.6),
+                           shpRectangle, R.Name);
+    // A pie handed in without an owner goes with its value.
+    V->Pen()->SetColor(static_cast<TColor>(0xB0A8A0));
   }
   Map->SetPanel(S.Panel);
   PaintPanel(C, S.Panel, Area);
@@ -202,8 +203,8 @@ void PaintChartInChart(TCanvas* C, const TRect& Area) {
 void AddShapeKindSheets(std::vector<TGallerySheet>& Sheets) {
   Sheets.push_back({"guide", "TKXGuideChart: thresholds and a marker over a line chart", SheetW,
                     SheetH, PaintGuides});
-  Sheets.push_back({"path", "TKXPathChart: outlines fitted to their rectangles", SheetW, SheetH,
-                    PaintPaths});
+  Sheets.push_back(
+      {"path", "TKXPathChart: outlines fitted to their rectangles", SheetW, SheetH, PaintPaths});
   Sheets.push_back({"chart-in-chart", "TKXChartInChart: small pies placed on a scatter of regions",
                     SheetW, SheetH, PaintChartInChart});
   Sheets.push_back({"arrow", "TKXArrowChart: a field of arrows, coloured by strength", SheetW,

@@ -135,9 +135,9 @@ TKXChartInChartValue* TKXChartInChartValues::Add(TKXChart* Chart, double X, doub
   return WithChart(TKXShapeChartValues::Add(X, Y, Caption, Color, ImageIndex), Chart);
 }
 
-TKXChartInChartValue* TKXChartInChartValues::Add(TKXCustomChartClass ChartClass, double X,
-                                                 double Y, const std::string& Caption,
-                                                 TColor Color, int32_t ImageIndex) {
+TKXChartInChartValue* TKXChartInChartValues::Add(TKXCustomChartClass ChartClass, double X, double Y,
+                                                 const std::string& Caption, TColor Color,
+                                                 int32_t ImageIndex) {
   TUpdateScope<TKXChartValues> Scope(this);
   return WithChart(TKXShapeChartValues::Add(X, Y, Caption, Color, ImageIndex),
                    MakeChart(ChartClass));
@@ -322,8 +322,7 @@ void TKXChartInChart::DrawShape(TCanvas* Canvas, const TRect& Rect, TKXShapeChar
     DrawSubChart(Canvas, S, Sub);
     Canvas->SetFont(Value->Font());
     if (FVerticalAxis && FVerticalAxis->Zooming() && FOptions.Contains(coZoomFont))
-      Canvas->Font()->SetSize(
-          CanvasRound(Canvas->Font()->Size() * FVerticalAxis->ZoomAmount()));
+      Canvas->Font()->SetSize(CanvasRound(Canvas->Font()->Size() * FVerticalAxis->ZoomAmount()));
   }
   if (FOptions.Contains(coValueLabels))
     DrawLabel(Canvas, Value, TextBox(L, Holder ? Holder->TextBoxAlignment() : tdMiddleCenter));

@@ -3,9 +3,11 @@
 // folder, and the start-up of its module.
 
 #include "kxcharts/charts/KXArrowCharts.h"
+#include "kxcharts/charts/KXChartInChart.h"
 #include "kxcharts/charts/KXChartPointInfo.h"
 #include "kxcharts/charts/KXGuideCharts.h"
 #include "kxcharts/charts/KXLineCharts.h"
+#include "kxcharts/charts/KXPathCharts.h"
 #include "kxcharts/charts/KXPointCharts.h"
 #include "kxcharts/charts/KXShapeCharts.h"
 #include "kxcharts/charts/KXPieChart.h"

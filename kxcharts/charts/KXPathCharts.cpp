@@ -165,16 +165,14 @@ bool TKXPathChartValues::GetIndexedExtent(int32_t, double&, double&) const {
   return false;
 }
 
-double TKXPathChartValues::GetValueDimMaximum(const TKXChartValue* Value,
-                                              int32_t Dimension) const {
+double TKXPathChartValues::GetValueDimMaximum(const TKXChartValue* Value, int32_t Dimension) const {
   const double N = Value->GetValue(Dimension);
   if (Dimension == FXDim) return std::max(N, N + Value->GetValue(FWidthDim));
   if (Dimension == FYDim) return std::max(N, N + Value->GetValue(FHeightDim));
   return N;
 }
 
-double TKXPathChartValues::GetValueDimMinimum(const TKXChartValue* Value,
-                                              int32_t Dimension) const {
+double TKXPathChartValues::GetValueDimMinimum(const TKXChartValue* Value, int32_t Dimension) const {
   const double N = Value->GetValue(Dimension);
   if (Dimension == FXDim) return std::min(N, N + Value->GetValue(FWidthDim));
   if (Dimension == FYDim) return std::min(N, N + Value->GetValue(FHeightDim));
@@ -220,8 +218,7 @@ TRectF TKXPathChart::GetShapeRect(const TRect& Rect, const TKXPathChartValue* Va
   const double O = GetAdjOffsetVertical();
   const double X = Value->X(), Y = O + Value->Y();
   const double X2 = X + Value->Width(), Y2 = Y + Value->Height();
-  if (!std::isfinite(X) || !std::isfinite(Y) || !std::isfinite(X2) || !std::isfinite(Y2))
-    return {};
+  if (!std::isfinite(X) || !std::isfinite(Y) || !std::isfinite(X2) || !std::isfinite(Y2)) return {};
   TRectF R = KXRect(FHorizontalAxis->AxisToPixel(X, Rect), FVerticalAxis->AxisToPixel(Y, Rect),
                     FHorizontalAxis->AxisToPixel(X2, Rect), FVerticalAxis->AxisToPixel(Y2, Rect));
   if (R.Bottom < R.Top) std::swap(R.Top, R.Bottom);
@@ -260,8 +257,8 @@ void TKXPathChart::DrawPath(TCanvas* Canvas, const TRect& ARect, TKXPathChartVal
   if (FOptions.Contains(coValueLabels)) DrawLabel(Canvas, Value, CanvasRect(R));
 }
 
-void TKXPathChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValue* Value,
-                                      bool AdjustFont, bool AdjustPen) {
+void TKXPathChart::SetCanvasResources(TCanvas* Canvas, const TKXChartValue* Value, bool AdjustFont,
+                                      bool AdjustPen) {
   const auto* Path = dynamic_cast<const TKXPathChartValue*>(Value);
   if (!Path) {
     SetCanvasResources(Canvas, FBrush.get(), FPen.get(), FFont.get(), true, true);

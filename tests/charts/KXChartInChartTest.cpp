@@ -136,10 +136,8 @@ TEST(ChartInChart, TheSubChartIsDrawnInsideItsShape) {
     TNested N;
     TKXChartInChartValue* V = N.Add(C.X, C.Y, C.W, C.H);
     if (C.HandlerDraws)
-      N.Chart->SetOnCustomDrawValue(
-          [](TObject*, TCanvas*, const TRect&, TKXPointChartValue*, bool& Default) {
-            Default = false;
-          });
+      N.Chart->SetOnCustomDrawValue([](TObject*, TCanvas*, const TRect&, TKXPointChartValue*,
+                                       bool& Default) { Default = false; });
     std::vector<TRect> Drawn;
     V->SubChart()->SetOnDraw([&](TObject*, TCanvas*, const TRect& R) { Drawn.push_back(R); });
     N.Draw();

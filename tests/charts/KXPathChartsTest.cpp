@@ -88,7 +88,10 @@ TEST(PathCharts, APathIsFittedToItsRectangle) {
   const TCase Cases[] = {
       {"stretched", "M0,0 L10,0 L10,10 L0,10 Z", {0, 0, 100, 50}, false, {0, 0, 100, 50}},
       {"square kept square", "M0,0 L10,0 L10,10 L0,10 Z", {0, 0, 100, 50}, true, {25, 0, 75, 50}},
-      {"moved and shrunk", "M100,200 L300,200 L300,300 Z", {10, 10, 30, 20}, false,
+      {"moved and shrunk",
+       "M100,200 L300,200 L300,300 Z",
+       {10, 10, 30, 20},
+       false,
        {10, 10, 30, 20}},
       {"no height keeps its own place", "M0,5 L10,5", {0, 0, 100, 50}, false, {0, 5, 10, 5}},
       {"empty", "", {0, 0, 100, 50}, true, {0, 0, 0, 0}},
@@ -145,10 +148,16 @@ TEST(PathCharts, APathIsRebuiltOnlyWhenSomethingMoved) {
       {"nothing changed", [] {}, {0, 0, 100, 100}, {false, false}},
       {"a brush", [&] { V->Brush()->SetColor(clBlue); }, {0, 0, 100, 100}, {false, false}},
       {"a number of one value", [&] { V->SetX(1); }, {0, 0, 100, 100}, {true, false}},
-      {"the path of one value", [&] { V->Data()->SetPathString("M0,0 L1,1 L0,1 Z"); },
-       {0, 0, 100, 100}, {true, false}},
-      {"a legend picture", [&] { P.Chart->DrawGlyph(Legend->Canvas(), V, {0, 0, 20, 20}); },
-       {0, 0, 100, 100}, {true, true}},
+      {"the path of one value",
+       [&] { V->Data()->SetPathString("M0,0 L1,1 L0,1 Z"); },
+       {0, 0, 100, 100},
+       {true, false}},
+      {"a legend picture",
+       [&] {
+         P.Chart->DrawGlyph(Legend->Canvas(), V, {0, 0, 20, 20});
+       },
+       {0, 0, 100, 100},
+       {true, true}},
       {"another rectangle", [] {}, {0, 0, 90, 100}, {true, true}},
       {"the axes", [&] { test::FixAxes(P.Chart, 12); }, {0, 0, 90, 100}, {true, true}},
   };
