@@ -575,6 +575,68 @@ TEST_F(Streaming, AReferenceToAnUnnamedComponentSaysWhichAndHowToNameIt) {
   }
 }
 
+// The nesting limit counts brackets outside strings only, 256 levels below the document's
+// object, whether the brackets close or not.
+TEST_F(Streaming, NestingIsCountedOutsideStringsUpToTheLimit) {
+  TOwned<TStForm> Good = BuildForm();
+  const std::string Json = SaveFormToString(Good.get());
+  auto Nested = [](int Levels, bool Closed) {
+    std::string D = "{\"Format\": \"kxcharts-form\", \"Version\": 1, \"Form\": ";
+    D += std::string(Levels, '[');
+    if (Closed) D += std::string(Levels, ']') + "}";
+    return D;
+  };
+  auto WithCaption = [&](const std::string& Caption) {
+    std::string S = Json;
+    const std::string From = "\"Caption\": \"Sales\"";
+    return S.replace(S.find(From), From.size(), "\"Caption\": \"" + Caption + "\"");
+  };
+  struct TCase {
+    std::string Document;
+    std::string Message; // empty: the form loads, with Caption
+    std::string Caption;
+  };
+  const std::string Brackets(1000, '[');
+  const std::vector<TCase> Cases = {
+      {Nested(256, true), "\"Form\" must be an object", ""},
+      {Nested(257, true), "nested deeper than 256 levels", ""},
+      {Nested(100000, false), "nested deeper than 256 levels", ""},
+      {WithCaption(Brackets), "", Brackets},
+      {WithCaption("\\\"" + Brackets + "\\\\"), "", "\"" + Brackets + "\\"},
+      {WithCaption("{{}" + Brackets), "", "{{}" + Brackets},
+  };
+  for (const TCase& C : Cases) {
+    TOwned<TStForm> Target(Make<TStForm>(nullptr, "Before"));
+    if (C.Message.empty()) {
+      LoadFormFromString(Target.get(), C.Document);
+      EXPECT_EQ(Target->Caption(), C.Caption);
+      continue;
+    }
+    const std::string Got =
+        test::MessageOf<EFilerError>([&] { LoadFormFromString(Target.get(), C.Document); });
+    EXPECT_NE(Got.find(C.Message), std::string::npos)
+        << "expected: " << C.Message << "\n got: " << Got;
+  }
+}
+
+// A collection of 50,000 items reads back whole. The parser's depth callback made this
+// quadratic (a minute here); read in one pass it takes a fraction of that.
+TEST_F(Streaming, AWideCollectionReadsBackWhole) {
+  TOwned<TStForm> Good = BuildForm();
+  std::string Json = SaveFormToString(Good.get());
+  std::string Items = "\"Items\": [";
+  for (int I = 0; I < 50000; ++I)
+    Items += "{\"Value\": " + std::to_string(I) + "}, ";
+  Json.replace(Json.find("\"Items\": ["), 10, Items);
+  Json.replace(Json.find("\"Limit\": 100"), 12, "\"Limit\": 0");
+  TOwned<TStForm> Copy(Make<TStForm>(nullptr, "Other"));
+  LoadFormFromString(Copy.get(), Json);
+  const auto* Values = static_cast<TStChart*>(Copy->FindComponent("Chart1"))->Values();
+  ASSERT_EQ(Values->Count(), 50002);
+  EXPECT_EQ(Values->Items(49999)->Value(), 49999.0);
+  EXPECT_EQ(Values->Items(50001)->Value(), -1e300);
+}
+
 TEST_F(Streaming, ReferencesMayFormCyclesAndReachNestedComponents) {
   TOwned<TStForm> Form(Make<TStForm>(nullptr, "Form1"));
   auto* Outer = Make<TStPanel>(Form.get(), "Outer");
