@@ -596,5 +596,30 @@ TEST(ChartPanel, AFormSavedAndLoadedBackHoldsTheSameChartsAndPaintsTheSamePixels
   EXPECT_GT(test::CountPixels(B.get(), [](TColor C) { return C == clCream; }), 1000);
 }
 
+// A header of 100 MB paints what a header of its first MaxTextLength characters paints (the
+// rest lies far beyond any canvas), in the time and memory those characters take.
+TEST(ChartPanel, AHeaderOfAHundredMegabytesPaintsAsItsShowablePart) {
+  const std::string Word = "Quarterly revenue ";
+  std::string Huge;
+  Huge.reserve(100u << 20);
+  while (Huge.size() + Word.size() <= (100u << 20))
+    Huge += Word;
+  const std::string Showable = Huge.substr(0, TCanvas::MaxTextLength);
+  std::vector<TOwned<TBitmap>> Pictures;
+  for (const std::string* Text : {&Showable, static_cast<const std::string*>(&Huge)}) {
+    TOwned<TTestForm> Form(New<TTestForm>(nullptr));
+    auto* Panel = New<TKXChartPanel>(Form.get());
+    Panel->SetBounds(0, 0, 400, 200);
+    Panel->Header()->SetText(*Text);
+    Pictures.push_back(test::MakeBitmap(400, 200));
+    Panel->Draw(Pictures.back()->Canvas(), {0, 0, 400, 200});
+  }
+  EXPECT_GT(test::CountPixels(Pictures[1].get(), {0, 0, 400, 40},
+                              [](TColor C) { return GetRValue(C) < 100; }),
+            100)
+      << "the middle of the header's line shows";
+  EXPECT_EQ(test::PixelBytes(Pictures[0].get()), test::PixelBytes(Pictures[1].get()));
+}
+
 } // namespace
 } // namespace kx

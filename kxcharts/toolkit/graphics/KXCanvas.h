@@ -45,6 +45,11 @@ public:
   // Coordinates beyond this many pixels from the origin are moved to it (the toolkit's one
   // limit for what reaches Cairo).
   static constexpr int32_t SafeCoord = static_cast<int32_t>(KXCanvasCoordLimit);
+  // The most characters of a text that are laid out; the rest is cut before layout. A
+  // glyph at the smallest font (1 pixel) is at least a quarter pixel wide, and a bitmap at
+  // most TBitmap's 32,767 pixels, so no line of a canvas shows more; a text of hundreds of
+  // megabytes then costs what this many characters cost, not gigabytes.
+  static constexpr int32_t MaxTextLength = 131072;
 
   TCanvas();
   ~TCanvas() override;

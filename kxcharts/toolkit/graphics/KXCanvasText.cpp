@@ -13,10 +13,16 @@ namespace kx {
 
 namespace {
 
-// Text as Pango accepts it: valid UTF-8 up to the first NUL.
+// Text as Pango accepts it: up to the first NUL, and no more than TCanvas::MaxTextLength
+// characters (counted by their UTF-8 lead bytes, so that the cut falls between two).
 std::string_view CutAtNul(std::string_view Text) {
-  const size_t Nul = Text.find('\0');
-  return Nul == std::string_view::npos ? Text : Text.substr(0, Nul);
+  size_t Chars = 0, End = 0;
+  for (; End < Text.size(); ++End) {
+    const auto Byte = static_cast<unsigned char>(Text[End]);
+    if (Byte == 0) break;
+    if ((Byte & 0xC0) != 0x80 && ++Chars > size_t(TCanvas::MaxTextLength)) break;
+  }
+  return Text.substr(0, End);
 }
 
 int32_t PangoCeil(int Units) {

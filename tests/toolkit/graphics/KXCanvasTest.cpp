@@ -568,6 +568,22 @@ TEST_F(CanvasFixture, BadTextIsDrawnWithoutFault) {
   EXPECT_EQ(C->Font()->Name(), "DejaVu Sans");
 }
 
+// Past MaxTextLength characters a text is cut before layout, between two characters: a
+// longer text measures as its first MaxTextLength characters do, in one and in two bytes.
+TEST_F(CanvasFixture, TextsLongerThanAnyCanvasShowsAreCutBeforeLayout) {
+  const size_t Max = TCanvas::MaxTextLength;
+  for (const std::string Glyph : {"i", "\xc3\xa9"}) {
+    std::string Cut, Long;
+    for (size_t I = 0; I < Max; ++I)
+      Cut += Glyph;
+    Long = Cut + Glyph + Glyph + "\xc3";
+    const TSize AtMax = C->TextExtent(Cut);
+    EXPECT_GT(AtMax.cx, 0);
+    EXPECT_EQ(C->TextExtent(Long), AtMax) << Glyph;
+    EXPECT_LT(C->TextExtent(Cut.substr(0, Cut.size() - Glyph.size())).cx, AtMax.cx) << Glyph;
+  }
+}
+
 TEST(Canvas, MetricsDoNotDependOnTheSurface) {
   test::TTempDir Dir;
   TOwned<TCanvas> Svg = CreateSvgCanvas((Dir / "m.svg").string(), 100, 100);
