@@ -460,8 +460,8 @@ TLabelLayout LayOutLabel(TCanvas* Canvas, std::string_view Text, uint32_t Flags,
     Shown = StripPrefixes(Text, !(Flags & DT_HIDEPREFIX), L.Underline);
     Source = Shown;
   }
-  const int32_t Width = R.Right - R.Left;
-  const int32_t Height = R.Bottom - R.Top;
+  const int32_t Width = R.Width();
+  const int32_t Height = R.Height();
   TLabelLayout Out;
   if (Width > 0) {
     if ((Flags & DT_WORDBREAK) && !L.SingleLine) {
@@ -481,17 +481,21 @@ TLabelLayout LayOutLabel(TCanvas* Canvas, std::string_view Text, uint32_t Flags,
 }
 
 TPoint LabelOrigin(const TLabelLayout& L, uint32_t Flags, const TRect& R) {
+  // In 64 bits: the rectangle may span the whole int32 plane.
+  auto Clamp = [](int64_t V) {
+    return static_cast<int32_t>(std::clamp<int64_t>(V, INT32_MIN, INT32_MAX));
+  };
   TPoint P{R.Left, R.Top};
   if (!L.Wrapped) {
     if (Flags & DT_CENTER)
-      P.X = R.Left + CanvasDiv(R.Right - R.Left - L.Size.cx, 2);
+      P.X = Clamp(R.Left + (int64_t(R.Right) - R.Left - L.Size.cx) / 2);
     else if (Flags & DT_RIGHT)
-      P.X = R.Right - L.Size.cx;
+      P.X = Clamp(int64_t(R.Right) - L.Size.cx);
   }
   if (Flags & DT_VCENTER)
-    P.Y = R.Top + CanvasDiv(R.Bottom - R.Top - L.Size.cy, 2);
+    P.Y = Clamp(R.Top + (int64_t(R.Bottom) - R.Top - L.Size.cy) / 2);
   else if (Flags & DT_BOTTOM)
-    P.Y = R.Bottom - L.Size.cy;
+    P.Y = Clamp(int64_t(R.Bottom) - L.Size.cy);
   return P;
 }
 

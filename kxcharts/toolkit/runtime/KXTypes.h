@@ -208,12 +208,19 @@ struct TRect {
   int32_t Top = 0;
   int32_t Right = 0;
   int32_t Bottom = 0;
-  constexpr int32_t Width() const { return Right - Left; }
-  constexpr int32_t Height() const { return Bottom - Top; }
+  // Held at the ends of the int32 range, as every pixel sum is: the rectangle of the whole
+  // plane (INT32_MIN to INT32_MAX) is INT32_MAX wide, not -1.
+  constexpr int32_t Width() const { return Saturated(int64_t(Right) - Left); }
+  constexpr int32_t Height() const { return Saturated(int64_t(Bottom) - Top); }
   constexpr bool IsEmpty() const { return Right <= Left || Bottom <= Top; }
   constexpr TPoint TopLeft() const { return {Left, Top}; }
   constexpr TPoint BottomRight() const { return {Right, Bottom}; }
   friend constexpr bool operator==(const TRect&, const TRect&) = default;
+
+private:
+  static constexpr int32_t Saturated(int64_t V) {
+    return V > INT32_MAX ? INT32_MAX : V < INT32_MIN ? INT32_MIN : static_cast<int32_t>(V);
+  }
 };
 
 struct TPointF {

@@ -77,6 +77,27 @@ TEST(Rects, WidthAndHeightAreSignedAndNeverOverflow) {
   EXPECT_FLOAT_EQ(KXRectHeight(TRectF{0, 2.5f, 0, 1}), -1.5);
 }
 
+TEST(Rects, TRectWidthAndHeightSaturateAtTheEndsOfTheIntRange) {
+  struct Case {
+    TRect R;
+    int32_t Width, Height;
+  };
+  // clang-format off
+  const Case Cases[] = {
+      {{0, 0, 7, 3}, 7, 3},
+      {{10, 10, 4, 4}, -6, -6},
+      {{IntMin, IntMin, IntMax, IntMax}, IntMax, IntMax},
+      {{IntMax, IntMax, IntMin, IntMin}, IntMin, IntMin},
+      {{-1, -2, IntMax, IntMax}, IntMax, IntMax},
+      {{IntMin, IntMin, 0, 1}, IntMax, IntMax},
+      {{1, 0, IntMin, IntMin}, IntMin, IntMin}};
+  // clang-format on
+  for (const Case& C : Cases) {
+    EXPECT_EQ(C.R.Width(), C.Width) << C.R.Left << ".." << C.R.Right;
+    EXPECT_EQ(C.R.Height(), C.Height) << C.R.Top << ".." << C.R.Bottom;
+  }
+}
+
 TEST(Rects, CenterPointDividesTheExtentTowardsTheTopLeft) {
   EXPECT_EQ(CanvasCenterPoint({0, 0, 10, 11}), (TPoint{5, 5}));
   EXPECT_EQ(CanvasCenterPoint({-3, -3, 0, 0}), (TPoint{-2, -2}));
