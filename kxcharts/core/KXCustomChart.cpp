@@ -107,7 +107,19 @@ TOwned<TKXChartValues> TKXCustomChart::CreateChartValues() {
 
 void TKXCustomChart::CreatePreviewValues() {}
 
+TKXCustomChart::TLifeWatch::~TLifeWatch() {
+  if (!FChart) return;
+  for (TLifeWatch** P = &FChart->FWatches; *P; P = &(*P)->FNext)
+    if (*P == this) {
+      *P = FNext;
+      break;
+    }
+}
+
 void TKXCustomChart::BeforeDestruction() {
+  for (TLifeWatch* W = FWatches; W; W = W->FNext)
+    W->FChart = nullptr;
+  FWatches = nullptr;
   const int32_t Saved = FUpdating;
   FUpdating = 1;
   {
@@ -613,11 +625,15 @@ void TKXCustomChart::InternalDraw(TCanvas* Canvas, const TRect&) {
 }
 
 void TKXCustomChart::Draw(TCanvas* Canvas, const TRect& ARect) {
-  if (!Drawing(Canvas, ARect)) return;
+  // OnDrawing and OnDraw may free the chart.
+  const TLifeWatch Life(this);
+  if (!Drawing(Canvas, ARect) || !Life.Alive()) return;
   FState = stDrawing;
-  TFinally Idle([this] { FState = stIdle; });
+  TFinally Idle([this, &Life] {
+    if (Life.Alive()) FState = stIdle;
+  });
   InternalDraw(Canvas, ARect);
-  Drawn(Canvas, ARect);
+  if (Life.Alive()) Drawn(Canvas, ARect);
 }
 
 void TKXCustomChart::Draw(TCanvas* Canvas, const TRect& ARect, TKXChartAxis* VertAxis,

@@ -187,6 +187,25 @@ protected:
   bool FInPaintTo = false;
 
 public:
+  // Tells a drawing pass whether the chart it draws was freed by one of the pass's own
+  // events (OnDrawing, OnDraw, the panel's chart events): made on the stack around the call,
+  // it reads Alive() afterwards instead of touching a chart that is gone.
+  class TLifeWatch {
+  public:
+    explicit TLifeWatch(TKXCustomChart* Chart) : FChart(Chart), FNext(Chart->FWatches) {
+      Chart->FWatches = this;
+    }
+    ~TLifeWatch();
+    TLifeWatch(const TLifeWatch&) = delete;
+    TLifeWatch& operator=(const TLifeWatch&) = delete;
+    bool Alive() const { return FChart != nullptr; }
+
+  private:
+    friend class TKXCustomChart;
+    TKXCustomChart* FChart;
+    TLifeWatch* FNext;
+  };
+
   // Only initialises members; AfterConstruction runs InitializeChart and
   // InitializeChangeEvents.
   explicit TKXCustomChart(TComponent* AOwner);
@@ -500,6 +519,7 @@ protected:
 
 private:
   friend class TKXCustomChartPanel;
+  TLifeWatch* FWatches = nullptr;
   void MakeLocalAxes();
   void SetGroupStyleOnly(TKXGroupStyle Value);
   void MarkVerticalAxis();

@@ -429,9 +429,19 @@ void TKXCustomChartPanel::DrawCharts(TCanvas* Canvas, const TRect& ARect) {
     for (int32_t I = 0; I < FCharts->Count(); ++I) {
       TKXCustomChart* Chart = FCharts->Items(I);
       if (!Chart->IsVisible()) continue;
+      // A chart's drawing events may free it (it leaves the list) or others before it.
+      const TKXCustomChart::TLifeWatch Life(Chart);
       Chart->FInPaintTo = true;
-      TFinally Done([Chart] { Chart->FInPaintTo = false; });
+      TFinally Done([Chart, &Life] {
+        if (Life.Alive()) Chart->FInPaintTo = false;
+      });
       Chart->Draw(Canvas, ARect);
+      if (!Life.Alive() || I >= FCharts->Count() || FCharts->Items(I) != Chart) {
+        // The list changed under the pass: go on after the chart just drawn, or from
+        // where it stood.
+        const int32_t At = Life.Alive() ? FCharts->IndexOf(Chart) : -1;
+        I = At >= 0 ? At : I - 1;
+      }
     }
   }
   if (FOnDrawCharts) FOnDrawCharts(this, Canvas, ARect);

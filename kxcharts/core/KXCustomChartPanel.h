@@ -2,11 +2,18 @@
 // TKXCustomChartPanel: the component an application places on a form to hold charts. It
 // owns four axes, a header and a footer, a legend, three layers (behind everything, behind
 // the plot, in front of everything), a gradient, a chart shadow, margins and the list of
-// its charts (which belong to the form, not to it). Its one central algorithm is the
-// layout: InternalDraw cuts the client rectangle step by step into the areas of these
-// elements and paints them in a fixed order. It keeps the palette its charts take from, and
-// is the panel's end of the change road: every change of a chart or of an element it owns
-// reaches its listeners and events and repaints it. TKXChartPanel publishes it.
+// its charts. The list does not own the charts, but the panel frees the charts placed on it
+// when it is freed (they are its child controls, as on any window), whoever owns them: a
+// chart that must outlive the panel leaves it first (SetPanel(nullptr), SetParent(nullptr)).
+// A chart's owner frees it too, wherever it stands. A chart may be freed at any time, also
+// from its own or the panel's drawing events (not from a per-value event such as
+// OnCustomDrawValue of the chart being drawn): it leaves the list and its axes.
+//
+// Its one central algorithm is the layout: InternalDraw cuts the client rectangle step by
+// step into the areas of these elements and paints them in a fixed order. It keeps the
+// palette its charts take from, and is the panel's end of the change road: every change of
+// a chart or of an element it owns reaches its listeners and events and repaints it.
+// TKXChartPanel publishes it.
 //
 // The layout of one paint, from the outside in: the margins and the frame, the background
 // and the gradient on all of what is left, the header band at the top, the footer band at
@@ -155,7 +162,8 @@ public:
   // --- Properties ---
   // Setters of owned elements assign into them and never replace them.
 
-  // The charts in drawing order (not owned: they belong to their owner).
+  // The charts in drawing order. The list does not own them; the panel frees them with
+  // itself as its child controls (see the top of this file).
   TKXChartList* Charts() const { return FCharts.get(); }
   TKXChartAxis* BottomAxis() const { return FBottomAxis.get(); }
   void SetBottomAxis(const TKXChartAxis* Value) { FBottomAxis->Assign(Value); }
