@@ -1,7 +1,7 @@
 // What a full paint of a line chart costs: a TKXLineChart in a default 1600 x 900 panel
-// (its ChartShadow hidden, Options without value colours and labels), over N sorted values
-// of a random walk, the whole panel painted (frame, gradient, axes with their labels and
-// grid, the line); and what the mouse costs over such a panel (a crosshair move, a pan step
+// (its ChartShadow hidden but in BM_PaintLineShadow, Options without value colours and
+// labels), over N sorted values of a random walk, the whole panel painted (frame, gradient,
+// axes with their labels and grid, the line); and what the mouse costs over such a panel (a crosshair move, a pan step
 // with its repaint). Compare with BM_PolylineCairoFloor (kx_bench_canvas), which strokes a
 // walk of as many points straight through Cairo.
 #include <benchmark/benchmark.h>
@@ -31,9 +31,9 @@ struct TLineBench {
   double Y = 0;
   int64_t NextX = 0;
 
-  TLineBench(int64_t N, TChartOptions Options) {
+  TLineBench(int64_t N, TChartOptions Options, bool Shadow = false) {
     Panel->SetBounds(0, 0, Width, Height);
-    Panel->ChartShadow()->SetVisible(false);
+    Panel->ChartShadow()->SetVisible(Shadow);
     Chart->SetOptions(Options);
     Chart->SetPanel(Panel);
     Chart->Values()->BeginUpdate();
@@ -61,8 +61,8 @@ struct TLineBench {
   }
 };
 
-void RunPaint(benchmark::State& State, TChartOptions Options) {
-  TLineBench Bench(State.range(0), Options);
+void RunPaint(benchmark::State& State, TChartOptions Options, bool Shadow = false) {
+  TLineBench Bench(State.range(0), Options, Shadow);
   Bench.Paint(); // the first paint builds the summary
   for (auto _ : State)
     Bench.Paint();
@@ -74,6 +74,13 @@ const TChartOptions PlainOptions = TChartOptions::FromBits(1939) - coValueColors
 // Without value colours and labels: runs of one look are drawn per pixel column.
 void BM_PaintLine(benchmark::State& State) {
   RunPaint(State, PlainOptions);
+}
+
+// BM_PaintLine with the panel's ChartShadow visible, as a default panel has it: the shadow
+// pass is reduced as the line is, so it should cost no more than the line itself.
+//   ./kx bench 'BM_PaintLine(Shadow)?/10000000$'
+void BM_PaintLineShadow(benchmark::State& State) {
+  RunPaint(State, PlainOptions, true);
 }
 
 // The same chart zoomed to 0.1 % of its X range, about the middle. Its pen does not grow
@@ -164,6 +171,7 @@ BENCHMARK(BM_PaintLine)
     ->Arg(1000000)
     ->Arg(10000000)
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PaintLineShadow)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineZoomed)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineZoomedWidePen)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PaintLineValueColors)->Arg(100000)->Unit(benchmark::kMillisecond);

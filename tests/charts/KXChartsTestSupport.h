@@ -28,6 +28,7 @@ struct TDrawnSegment {
   bool Fill = false;
   TColor Pen = clNone;
   TColor Brush = clNone;
+  int32_t PenWidth = 0;
 };
 
 // Writes down what a chart hands to the canvas, then lets it draw.
@@ -37,7 +38,7 @@ struct TDrawLog {
 
   void Segment(TCanvas* Canvas, std::span<const TPoint> Points, bool Fill) {
     Segments.push_back({TCanvasPoints(Points.begin(), Points.end()), Fill, Canvas->Pen()->Color(),
-                        Canvas->Brush()->Color()});
+                        Canvas->Brush()->Color(), Canvas->Pen()->Width()});
   }
   void Label(const TKXChartValue* Value, int32_t X, int32_t Y) {
     Labels.push_back(Value->Caption() + "@" + std::to_string(X) + "," + std::to_string(Y));

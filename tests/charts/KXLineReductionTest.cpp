@@ -182,6 +182,60 @@ std::vector<TReduceCase> ReduceCases() {
 INSTANTIATE_TEST_SUITE_P(Charts, ReducedDrawing, testing::ValuesIn(ReduceCases()),
                          [](const auto& Info) { return Info.param.Name; });
 
+// --- The shadow of a thinned line ---
+
+// In a panel whose ChartShadow shows, a thinned line casts its shadow through whole pixel
+// columns, which the canvas draws as boxes only with an even pen: an odd shadow pen is drawn
+// a pixel wider there (the stroker took thirty times the line's time). A line whose values
+// all show keeps the shadow's own pen, and the line its own, whatever the density.
+struct TShadowCase {
+  const char* Name;
+  int32_t Count;
+  int32_t ShadowPen;
+  int32_t Expected; // the shadow segments' pen width
+};
+
+class ThinnedShadow : public testing::TestWithParam<TShadowCase> {};
+
+TEST_P(ThinnedShadow, IsDrawnWithAnEvenPen) {
+  const TShadowCase& C = GetParam();
+  TOwned<TChartsForm> Form(New<TChartsForm>(nullptr));
+  auto* Panel = New<TKXChartPanel>(Form.get());
+  Panel->SetBounds(0, 0, 200, 150);
+  Panel->ChartShadow()->Pen()->SetColor(clBlack);
+  Panel->ChartShadow()->Pen()->SetWidth(C.ShadowPen);
+  auto* Chart = New<TRecLineChart>(Form.get());
+  Chart->SetPanel(Panel);
+  Chart->SetOptions(Chart->Options() - coValueColors - coValueLabels);
+  Chart->Pen()->SetColor(clNavy);
+  {
+    TUpdateScope<TKXChartValues> Scope(Chart->TKXCustomChart::Values());
+    for (int32_t I = 0; I < C.Count; ++I)
+      Chart->Values()->Add(I, (I * 37) % 101);
+  }
+  TOwned<TBitmap> B = MakeBitmap(200, 150);
+  Panel->DrawCharts(B->Canvas(), {0, 0, 200, 150});
+  size_t Shadows = 0, Lines = 0;
+  for (const test::TDrawnSegment& S : Chart->Log.Segments) {
+    if (S.Pen == clBlack) {
+      ++Shadows;
+      EXPECT_EQ(S.PenWidth, C.Expected);
+    } else {
+      ++Lines;
+      EXPECT_EQ(S.PenWidth, 2) << "the line keeps its own pen";
+    }
+  }
+  EXPECT_GT(Shadows, 0u);
+  EXPECT_EQ(Shadows, Lines);
+}
+
+INSTANTIATE_TEST_SUITE_P(Charts, ThinnedShadow,
+                         testing::Values(TShadowCase{"DenseOnePixel", 5000, 1, 2},
+                                         TShadowCase{"DenseThreePixels", 5000, 3, 4},
+                                         TShadowCase{"DenseTwoPixels", 5000, 2, 2},
+                                         TShadowCase{"SparseOnePixel", 40, 1, 1}),
+                         [](const auto& Info) { return std::string(Info.param.Name); });
+
 // --- The pixel map lands where the axes do ---
 
 struct TMapCase {
