@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KXFuzzDefaults.h"
 #include "kxcharts/KXChartModules.h"
 #include "kxcharts/core/KXChartPanel.h"
 #include "kxcharts/toolkit/graphics/KXBitmap.h"
@@ -70,24 +71,8 @@ void PaintWholePlane(TComponent* Form) {
 } // namespace
 } // namespace kx
 
-// The entropic schedule and a dictionary of the format's words, unless given.
 extern "C" int LLVMFuzzerInitialize(int* Argc, char*** Argv) {
-  static std::vector<std::string> Extra;
-  static std::vector<char*> Args;
-  bool HasEntropic = false, HasDict = false;
-  for (int I = 0; I < *Argc; ++I) {
-    const std::string_view A((*Argv)[I]);
-    HasEntropic |= A.rfind("-entropic=", 0) == 0;
-    HasDict |= A.rfind("-dict=", 0) == 0;
-  }
-  if (!HasEntropic) Extra.push_back("-entropic=0");
-  if (!HasDict) Extra.push_back("-dict=" KX_FUZZ_DIR "/fuzz_charts.dict");
-  Args.assign(*Argv, *Argv + *Argc);
-  for (std::string& E : Extra)
-    Args.push_back(E.data());
-  Args.push_back(nullptr);
-  *Argc = static_cast<int>(Args.size()) - 1;
-  *Argv = Args.data();
+  kx::fuzz::AddDefaultArguments(Argc, Argv, KX_FUZZ_DIR "/fuzz_charts.dict");
   return 0;
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KXFuzzDefaults.h"
 #include "kxcharts/toolkit/chartkit/KXCommon.h"
 #include "kxcharts/toolkit/objects/KXStreaming.h"
 
@@ -156,26 +157,8 @@ public:
 } // namespace
 } // namespace kx
 
-// Defaults that `./kx fuzz` cannot pass: the entropic schedule spends most of its time on
-// its own bookkeeping for this target (17 times fewer runs), and the dictionary of the
-// format's words gets the mutator past the JSON syntax quickly. Given flags win.
 extern "C" int LLVMFuzzerInitialize(int* Argc, char*** Argv) {
-  static std::vector<std::string> Extra;
-  static std::vector<char*> Args;
-  bool HasEntropic = false, HasDict = false;
-  for (int I = 0; I < *Argc; ++I) {
-    const std::string_view A((*Argv)[I]);
-    HasEntropic |= A.rfind("-entropic=", 0) == 0;
-    HasDict |= A.rfind("-dict=", 0) == 0;
-  }
-  if (!HasEntropic) Extra.push_back("-entropic=0");
-  if (!HasDict) Extra.push_back("-dict=" KX_FUZZ_DIR "/fuzz_reader.dict");
-  Args.assign(*Argv, *Argv + *Argc);
-  for (std::string& E : Extra)
-    Args.push_back(E.data());
-  Args.push_back(nullptr);
-  *Argc = static_cast<int>(Args.size()) - 1;
-  *Argv = Args.data();
+  kx::fuzz::AddDefaultArguments(Argc, Argv, KX_FUZZ_DIR "/fuzz_reader.dict");
   return 0;
 }
 
