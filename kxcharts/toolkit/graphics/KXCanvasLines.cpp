@@ -126,8 +126,16 @@ bool TCanvas::PatternedPixelLine(const TVertex& From, const TVertex& To) {
   const auto Length = static_cast<int32_t>(std::abs(Along));
   const auto Start = static_cast<int32_t>(Horizontal ? From.X : From.Y);
   const auto Across = static_cast<int32_t>(std::floor(Horizontal ? From.Y : From.X));
+  // Only the periods that reach the clip (the surface, or the safe square when its size is
+  // unknown): a grid line across a huge rectangle would otherwise lay millions of dashes
+  // off it. In 64 bits, as Start may lie far out.
+  const int64_t Lo = Horizontal ? FClip.Left : FClip.Top, Hi = Horizontal ? FClip.Right : FClip.Bottom;
+  const int64_t First = Along < 0 ? int64_t(Start) - Hi : Lo - Start;
+  const int64_t Last = Along < 0 ? int64_t(Start) - Lo : Hi - Start;
+  const int64_t From0 = std::max<int64_t>(0, First / Period * Period - Period);
+  const int64_t To0 = std::min<int64_t>(Length, std::max<int64_t>(0, Last + 1));
   std::vector<TRect> Boxes;
-  for (int32_t Period0 = 0; Period0 < Length; Period0 += Period)
+  for (auto Period0 = static_cast<int32_t>(From0); Period0 < To0; Period0 += Period)
     for (size_t I = 0, At = 0; I < Pattern.size(); At += size_t(Pattern[I] + Pattern[I + 1]), I += 2) {
       const int32_t A = Period0 + int32_t(At), B = std::min(Length, A + int32_t(Pattern[I]));
       if (A >= B) break;

@@ -203,9 +203,13 @@ void ExpectColumnsPaintWhatPolylinePaints(const TCanvasPoints& Points, const TSt
 // a polyline through a point in its middle is stroked dash by dash. Both must give the same
 // pixels, for every pattern, both ways along both axes, with and without antialiasing.
 TEST(Canvas, PatternedRowsAndColumnsPaintTheirDashes) {
-  const std::pair<TPoint, TPoint> Lines[] = {{{3, 5}, {50, 5}},    {{50, 9}, {4, 9}},
-                                             {{7, 2}, {7, 37}},    {{12, 38}, {12, 1}},
-                                             {{20, 20}, {21, 20}}, {{30, 14}, {30, 15}}};
+  // The last four start or end far off the bitmap, where only the dashes that reach it are
+  // laid, in the phase they have from the line's start.
+  const std::pair<TPoint, TPoint> Lines[] = {
+      {{3, 5}, {50, 5}},          {{50, 9}, {4, 9}},          {{7, 2}, {7, 37}},
+      {{12, 38}, {12, 1}},        {{20, 20}, {21, 20}},       {{30, 14}, {30, 15}},
+      {{-100003, 5}, {50, 5}},    {{50, 9}, {-100004, 9}},    {{7, -99999}, {7, 37}},
+      {{12, 100038}, {12, 1}}};
   for (const TPenStyle Style : {psDash, psDot, psDashDot, psDashDotDot, psAlternate})
     for (const bool Antialias : {true, false})
       for (const auto& [From, To] : Lines) {
