@@ -214,7 +214,7 @@ TEST_P(ThinnedShadow, IsDrawnWithAnEvenPen) {
       Chart->Values()->Add(I, (I * 37) % 101);
   }
   TOwned<TBitmap> B = MakeBitmap(200, 150);
-  Panel->DrawCharts(B->Canvas(), {0, 0, 200, 150});
+  Panel->Draw(B->Canvas(), {0, 0, 200, 150});
   size_t Shadows = 0, Lines = 0;
   for (const test::TDrawnSegment& S : Chart->Log.Segments) {
     if (S.Pen == clBlack) {
