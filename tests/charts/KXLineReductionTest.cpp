@@ -219,7 +219,9 @@ TEST_P(ThinnedShadow, IsDrawnWithAnEvenPen) {
   for (const test::TDrawnSegment& S : Chart->Log.Segments) {
     if (S.Pen == clBlack) {
       // The first value's own segment lies before the run that the reduction thins.
-      if (Shadows++ > 0) EXPECT_EQ(S.PenWidth, C.Expected);
+      if (Shadows++ > 0) {
+        EXPECT_EQ(S.PenWidth, C.Expected);
+      }
     } else {
       ++Lines;
       EXPECT_EQ(S.PenWidth, 2) << "the line keeps its own pen";
