@@ -190,6 +190,31 @@ void PaintCandleFunction(TCanvas* C, const TRect& Area) {
   PaintPanel(C, F.Panel, Area);
 }
 
+// A level meter: the bands of a graphic equaliser, each lit from red to green up to its
+// level, with the peak it reached a moment ago marked above it.
+void PaintEQ(TCanvas* C, const TRect& Area) {
+  TFamilyForm F(Area, "Level meter (TKXEQChart)");
+  F.Panel->Legend()->SetVisible(false);
+  F.Panel->ChartShadow()->SetVisible(false);
+  auto* Meter = New<TKXEQChart>(F.Form.get());
+  Meter->SetCaption("Level");
+  Meter->SetOptions(Meter->Options() - coValueColors - coValueLabels);
+  Meter->SetColor(static_cast<TColor>(0x30A0F0));
+  Meter->SetMin(-60);
+  Meter->SetMax(0);
+  Meter->SetSubdivisions(24);
+  Meter->SetSpacing(25);
+  const char* Bands[] = {"31", "63", "125", "250", "500", "1k", "2k", "4k", "8k", "16k"};
+  const double Level[] = {-18, -9, -6, -12, -21, -15, -24, -30, -39, -48};
+  const double Peak[] = {-12, -4, -3, -9, -14, -11, -17, -22, -33, -41};
+  for (int I = 0; I < 10; ++I)
+    Meter->Values()->Add(Level[I], Peak[I], Bands[I]);
+  Meter->SetPanel(F.Panel);
+  F.Panel->LeftAxis()->SetFormat("%.0f dB");
+  F.Panel->BottomAxis()->SetMinStepIncrement(1);
+  PaintPanel(C, F.Panel, Area);
+}
+
 } // namespace
 
 void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets) {
@@ -209,6 +234,10 @@ void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets) {
                     "TKXHighLowAverageChartFunction: daily candles kept computed from a price "
                     "by the minute (fpDay, hfHighLowAverageOpenClose)",
                     800, 450, PaintCandleFunction});
+  Sheets.push_back({"eq",
+                    "TKXEQChart: a level meter of ten bands, each lit in segments from red to "
+                    "green up to its level, its peak marked above",
+                    SheetW, SheetH, PaintEQ});
 }
 
 } // namespace kx::gallery

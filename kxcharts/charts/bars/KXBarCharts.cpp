@@ -13,6 +13,7 @@ void StartBarChartsModule() {
     // The order is the registry's answer for a kind that several classes share: the bar,
     // EQ, sparse bar, high-low-average and candlestick charts.
     RegisterChart(ClassOf<TKXBarChart>());
+    RegisterChart(ClassOf<TKXEQChart>());
     RegisterChart(ClassOf<TKXSparseBarChart>());
     RegisterChart(ClassOf<TKXHighLowAverageChart>());
     RegisterChart(ClassOf<TKXCandleStickChart>());

@@ -4,6 +4,7 @@
 
 #include "kxcharts/charts/bars/KXBarChart.h"
 #include "kxcharts/charts/bars/KXCandleStickChart.h"
+#include "kxcharts/charts/bars/KXEQChart.h"
 #include "kxcharts/charts/bars/KXHighLowAverageChart.h"
 #include "kxcharts/charts/bars/KXHighLowAverageFunction.h"
 #include "kxcharts/charts/bars/KXSparseBarChart.h"
