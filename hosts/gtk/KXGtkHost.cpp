@@ -74,6 +74,32 @@ bool ButtonOf(guint Button, TMouseButton& Out) {
   }
 }
 
+// The platform's virtual key number of a GDK key, 0 for one the controls do not know.
+uint16_t VirtualKey(guint KeyVal) {
+  switch (KeyVal) {
+  case GDK_KEY_BackSpace: return VK_BACK;
+  case GDK_KEY_Tab: return VK_TAB;
+  case GDK_KEY_Return:
+  case GDK_KEY_KP_Enter: return VK_RETURN;
+  case GDK_KEY_Escape: return VK_ESCAPE;
+  case GDK_KEY_space: return VK_SPACE;
+  case GDK_KEY_Page_Up: return VK_PRIOR;
+  case GDK_KEY_Page_Down: return VK_NEXT;
+  case GDK_KEY_End: return VK_END;
+  case GDK_KEY_Home: return VK_HOME;
+  case GDK_KEY_Left: return VK_LEFT;
+  case GDK_KEY_Up: return VK_UP;
+  case GDK_KEY_Right: return VK_RIGHT;
+  case GDK_KEY_Down: return VK_DOWN;
+  case GDK_KEY_Delete: return VK_DELETE;
+  default: break;
+  }
+  const guint Upper = gdk_keyval_to_upper(KeyVal);
+  if ((Upper >= 'A' && Upper <= 'Z') || (Upper >= '0' && Upper <= '9'))
+    return static_cast<uint16_t>(Upper);
+  return 0;
+}
+
 TPoint ScreenPoint(double XRoot, double YRoot) {
   return {static_cast<int32_t>(std::floor(XRoot)), static_cast<int32_t>(std::floor(YRoot))};
 }
@@ -229,6 +255,17 @@ struct TKXGtkHost::TImpl {
     return TRUE;
   }
 
+  static gboolean OnKey(GtkWidget*, GdkEventKey* E, gpointer Data) {
+    auto* S = static_cast<TShownWindow*>(Data);
+    const uint16_t Key = VirtualKey(E->keyval);
+    if (Key == 0) return FALSE;
+    TKXGtkHost* Host = S->Host;
+    bool Taken = false;
+    Guarded([&] { Taken = Host->KeyDown(Key, KeysOf(E->state)); });
+    Host->Sync();
+    return Taken;
+  }
+
   // The form takes the drawing area's place on the screen and its size.
   static void Track(TShownWindow* S, int32_t Width, int32_t Height) {
     TWinControl* F = S->Control;
@@ -378,6 +415,7 @@ void TKXGtkHost::ShowForm(TForm* Form, const std::string& Title) {
   g_signal_connect(S->Area, "scroll-event", G_CALLBACK(TImpl::OnScroll), S);
   g_signal_connect(S->Area, "size-allocate", G_CALLBACK(TImpl::OnSize), S);
   g_signal_connect(W, "delete-event", G_CALLBACK(TImpl::OnDelete), S);
+  g_signal_connect(W, "key-press-event", G_CALLBACK(TImpl::OnKey), S);
   g_signal_connect(W, "configure-event", G_CALLBACK(TImpl::OnConfigure), S);
   gtk_widget_show_all(W);
   Sync();

@@ -9,6 +9,9 @@
 // changed: what was painted, and what code drew outside Paint and reported (a rubber band,
 // a crosshair). Showing is a copy of the backing bitmaps; nothing is repainted for it.
 //
+// Keys. A key pressed in a form's window goes to the window with the focus (KeyDown of the
+// headless host), when it is one the controls know.
+//
 // Coordinates. A form's Left and Top follow where its drawing area lies on the screen, so
 // that ClientToScreen gives real screen points and a hint shows next to the pointer.
 //

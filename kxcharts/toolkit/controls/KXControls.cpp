@@ -1,5 +1,8 @@
 #include "kxcharts/toolkit/controls/KXControls.h"
 
+#include "kxcharts/toolkit/controls/KXCheckListBox.h"
+#include "kxcharts/toolkit/controls/KXControls_p.h"
+
 #include <algorithm>
 #include <climits>
 #include <utility>
@@ -291,6 +294,14 @@ void TControl::Click() {
   if (FOnClick) FOnClick(this);
 }
 
+void TControl::KeyDown(uint16_t& Key, TShiftState Shift) {
+  if (FOnKeyDown) FOnKeyDown(this, Key, Shift);
+}
+
+void TControl::KeyPress(char& Key) {
+  if (FOnKeyPress) FOnKeyPress(this, Key);
+}
+
 void TControl::CMMouseEnter() {
   if (FOnMouseEnter) FOnMouseEnter(this);
 }
@@ -558,8 +569,24 @@ void TWinControl::InvalidateRect(const TRect& R) {
   FInvalidRect = Union(FInvalidRect, Intersection(R, ClientRect()));
 }
 
+bool TWinControl::CanFocus() const {
+  return FTabStop && Showing() && Enabled();
+}
+
+void TWinControl::CMEnter() {
+  FFocused = true;
+  Invalidate();
+}
+
+void TWinControl::CMExit() {
+  FFocused = false;
+  Invalidate();
+}
+
 void TWinControl::Update() {
-  if (!NeedsPaint() || FPainting || !Visible()) return;
+  if (FPainting || !Visible()) return;
+  if (NeedsPaint()) PrepareContent();
+  if (!NeedsPaint()) return;
   const TRect Area = FInvalidRect;
   FInvalidRect = {};
   PaintArea(Area);
@@ -622,6 +649,7 @@ void TWinControl::PaintGraphicChild(TGraphicControl* Child, const TRect& Area) {
 
 void TWinControl::PaintTo(TCanvas* Target, int32_t X, int32_t Y) {
   if (!Target || FPainting) return;
+  PrepareContent();
   cairo_surface_t* View = CreateViewSurface(Target->Surface(), {X, Y, X + Width(), Y + Height()});
   if (!View) return;
   TScopeExit Release{[View] { cairo_surface_destroy(View); }};
@@ -719,10 +747,6 @@ void TWinControl::ColorChanged() {
 
 // --- TCustomPanel ---
 
-namespace {
-
-// Width rings of a lit frame just inside R: top and left edges in Top, right and bottom
-// edges in Bottom (which owns both far corners). R shrinks by Width on each side.
 void Frame3D(TCanvas* Canvas, TRect& R, TColor Top, TColor Bottom, int32_t Width) {
   TBrush* B = Canvas->Brush();
   for (int32_t I = 0; I < Width && !R.IsEmpty(); ++I) {
@@ -736,6 +760,8 @@ void Frame3D(TCanvas* Canvas, TRect& R, TColor Top, TColor Bottom, int32_t Width
     R = {R.Left + 1, R.Top + 1, R.Right - 1, R.Bottom - 1};
   }
 }
+
+namespace {
 
 void BevelColors(TBevelCut Cut, TColor Face, TColor& Top, TColor& Bottom) {
   switch (Cut) {
@@ -917,7 +943,7 @@ void TPaintBox::DefineProperties(TFiler& Filer) {
 // --- Registration ---
 
 void RegisterControlClasses() {
-  RegisterClasses({ClassOf<TPanel>(), ClassOf<TPaintBox>()});
+  RegisterClasses({ClassOf<TPanel>(), ClassOf<TPaintBox>(), ClassOf<TCheckListBox>()});
 }
 
 } // namespace kx

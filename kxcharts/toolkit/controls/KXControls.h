@@ -30,6 +30,10 @@
 // CMHitTest lets a control decline the mouse at a point: the mouse then goes to what lies
 // beneath it (its parent), as a chart inside a panel does.
 //
+// Keys. KeyDown (a key went down, by its virtual key number) and KeyPress (the character it
+// made) go to the window that has the focus; a host gives the focus to the nearest window
+// under a press that can take it (CanFocus), and tells it by CMEnter and CMExit.
+//
 // Persistence. TControl stores Parent (when it is not the owner), Left, Top, Width, Height,
 // Align, Enabled, Visible, Cursor, Hint and ShowHint; descendants do not declare these
 // again. Colour, font and caption are declared by the descendants that publish them
@@ -108,6 +112,26 @@ using TMouseEvent = std::function<void(TObject* Sender, TMouseButton Button, TSh
                                        int32_t X, int32_t Y)>;
 using TMouseMoveEvent =
     std::function<void(TObject* Sender, TShiftState Shift, int32_t X, int32_t Y)>;
+// Key is a virtual key number; a handler that sets it to 0 keeps the control from it.
+using TKeyEvent = std::function<void(TObject* Sender, uint16_t& Key, TShiftState Shift)>;
+// Key is the character typed; a handler that sets it to 0 keeps the control from it.
+using TKeyPressEvent = std::function<void(TObject* Sender, char& Key)>;
+
+// Virtual key numbers of the platform (letters and digits are their upper-case characters).
+inline constexpr uint16_t VK_BACK = 0x08;
+inline constexpr uint16_t VK_TAB = 0x09;
+inline constexpr uint16_t VK_RETURN = 0x0D;
+inline constexpr uint16_t VK_ESCAPE = 0x1B;
+inline constexpr uint16_t VK_SPACE = 0x20;
+inline constexpr uint16_t VK_PRIOR = 0x21;
+inline constexpr uint16_t VK_NEXT = 0x22;
+inline constexpr uint16_t VK_END = 0x23;
+inline constexpr uint16_t VK_HOME = 0x24;
+inline constexpr uint16_t VK_LEFT = 0x25;
+inline constexpr uint16_t VK_UP = 0x26;
+inline constexpr uint16_t VK_RIGHT = 0x27;
+inline constexpr uint16_t VK_DOWN = 0x28;
+inline constexpr uint16_t VK_DELETE = 0x2E;
 
 // Raised for operations a control cannot carry out ("A control cannot have itself as its
 // parent").
@@ -155,6 +179,8 @@ private:
   TMouseEvent FOnMouseDown;
   TMouseEvent FOnMouseUp;
   TMouseMoveEvent FOnMouseMove;
+  TKeyEvent FOnKeyDown;
+  TKeyPressEvent FOnKeyPress;
 
 public:
   explicit TControl(TComponent* AOwner);
@@ -239,6 +265,10 @@ public:
   void SetOnMouseUp(TMouseEvent Value) { FOnMouseUp = std::move(Value); }
   const TMouseMoveEvent& OnMouseMove() const { return FOnMouseMove; }
   void SetOnMouseMove(TMouseMoveEvent Value) { FOnMouseMove = std::move(Value); }
+  const TKeyEvent& OnKeyDown() const { return FOnKeyDown; }
+  void SetOnKeyDown(TKeyEvent Value) { FOnKeyDown = std::move(Value); }
+  const TKeyPressEvent& OnKeyPress() const { return FOnKeyPress; }
+  void SetOnKeyPress(TKeyPressEvent Value) { FOnKeyPress = std::move(Value); }
 
   // --- Operations ---
 
@@ -270,8 +300,16 @@ public:
   virtual void MouseMove(TShiftState Shift, int32_t X, int32_t Y);
   // A button came up at (X, Y); Shift no longer holds it.
   virtual void MouseUp(TMouseButton Button, TShiftState Shift, int32_t X, int32_t Y);
-  // A left button went down and up on the control.
+  // A left button went down and up on the control (when ClickEvents says so).
   virtual void Click();
+  // Whether a left press and release on the control is a Click; the host asks. The base
+  // says yes; a list box says no, as it clicks when its selection changes.
+  virtual bool ClickEvents() const { return true; }
+  // A key went down while the control had the focus. Raises OnKeyDown; an override acts
+  // on what the handler left of Key.
+  virtual void KeyDown(uint16_t& Key, TShiftState Shift);
+  // The key made the character Key. Raises OnKeyPress; the same rule.
+  virtual void KeyPress(char& Key);
   // The mouse came over the control. Raises OnMouseEnter.
   virtual void CMMouseEnter();
   // The mouse left the control (or the host). Raises OnMouseLeave.
@@ -388,6 +426,8 @@ private:
   // The windows being painted on the stack, so that a handler that repaints from inside
   // Paint cannot recurse without end.
   bool FPainting = false;
+  bool FTabStop = false;
+  bool FFocused = false;
 
 public:
   explicit TWinControl(TComponent* AOwner);
@@ -412,6 +452,11 @@ public:
   // The part of the client area waiting for paint; empty when none is.
   TRect InvalidRect() const { return FInvalidRect; }
   bool NeedsPaint() const { return !FInvalidRect.IsEmpty(); }
+  // Whether the window takes the focus when pressed (CanFocus). Not stored.
+  bool TabStop() const { return FTabStop; }
+  void SetTabStop(bool Value) { FTabStop = Value; }
+  // Whether the window has the focus (between the host's CMEnter and CMExit).
+  bool Focused() const { return FFocused; }
 
   // --- Operations ---
 
@@ -441,6 +486,17 @@ public:
   // Whether Paint covers every pixel of the client area, so that the background fill
   // before it would be painted over whole and is left out. The base says no.
   virtual bool PaintsWholeClient() const { return false; }
+  // Runs before the window paints what waits for paint (Update) and before it paints
+  // itself elsewhere (PaintTo): a window that keeps content derived from what it follows
+  // brings it up to date here, once however many changes came since. The base does
+  // nothing.
+  virtual void PrepareContent() {}
+  // Whether the window can take the focus: TabStop, showing and enabled.
+  virtual bool CanFocus() const;
+  // The window got the focus; the base marks it Focused and invalidates.
+  virtual void CMEnter();
+  // The window lost the focus; the base marks it not Focused and invalidates.
+  virtual void CMExit();
   // Shrinks Rect from the client rectangle to the area in which aligned controls are laid
   // out. The base leaves it as it is.
   virtual void AdjustClientRect(TRect& Rect) const;
@@ -569,7 +625,8 @@ protected:
   void DefineProperties(TFiler& Filer) override;
 };
 
-// Registers the control classes that a form reader makes by name (TPanel, TPaintBox).
+// Registers the control classes that a form reader makes by name (TPanel, TPaintBox,
+// TCheckListBox).
 // Safe to call more than once.
 void RegisterControlClasses();
 

@@ -17,13 +17,14 @@ void TKXHost::BeforeDestruction() {
   SetSlot(FMouseControl, nullptr);
   SetSlot(FCaptureControl, nullptr);
   SetSlot(FPressControl, nullptr);
+  SetSlot(FFocusControl, nullptr);
   inherited::BeforeDestruction();
 }
 
 // --- Links ---
 
 bool TKXHost::Refers(const TComponent* C) const {
-  return C == FMouseControl || C == FCaptureControl || C == FPressControl ||
+  return C == FMouseControl || C == FCaptureControl || C == FPressControl || C == FFocusControl ||
          std::find(FWindows.begin(), FWindows.end(), C) != FWindows.end();
 }
 
@@ -40,6 +41,7 @@ void TKXHost::Notification(TComponent* AComponent, TOperation Operation) {
     if (AComponent == FMouseControl) FMouseControl = nullptr;
     if (AComponent == FCaptureControl) FCaptureControl = nullptr;
     if (AComponent == FPressControl) FPressControl = nullptr;
+    if (AComponent == FFocusControl) FFocusControl = nullptr;
     std::erase(FWindows, AComponent);
   }
   inherited::Notification(AComponent, Operation);
@@ -199,6 +201,13 @@ void TKXHost::MouseDown(TPoint Point, TMouseButton Button, TShiftState Keys, boo
   FButtons += ButtonBit(Button);
   TControl* Target = FCaptureControl;
   if (!Target) return;
+  for (TControl* C = Target; C; C = C->Parent())
+    if (auto* W = dynamic_cast<TWinControl*>(C); W && W->CanFocus()) {
+      SetFocus(W);
+      // Taking the focus may free or hide the control; the press goes nowhere then.
+      if (FCaptureControl != Target) return;
+      break;
+    }
   TShiftState Shift = ShiftOf(Keys);
   if (DoubleClick) Shift.Include(ssDouble);
   const TPoint Local = Target->ScreenToClient(Point);
@@ -222,7 +231,7 @@ void TKXHost::MouseUp(TPoint Point, TMouseButton Button, TShiftState Keys) {
       if (Button == mbLeft) SetSlot(FPressControl, nullptr);
       // The release and the click go to the control while it is still captured.
       Target->MouseUp(Button, ShiftOf(Keys), Local.X, Local.Y);
-      if (Clicked && Refers(Target)) Target->Click();
+      if (Clicked && Refers(Target) && Target->ClickEvents()) Target->Click();
     }
   }
   if (LastButton) UpdateHover();
@@ -260,6 +269,47 @@ void TKXHost::MouseExit() {
   TControl* Old = FMouseControl;
   SetSlot(FMouseControl, nullptr);
   if (Old) Old->CMMouseLeave();
+}
+
+// --- Keys ---
+
+void TKXHost::SetFocus(TWinControl* Window) {
+  if (Window == FFocusControl || (Window && !Window->CanFocus())) return;
+  TControl* Old = FFocusControl;
+  SetSlot(FFocusControl, Window);
+  if (auto* W = dynamic_cast<TWinControl*>(Old)) W->CMExit();
+  if (Window && FFocusControl == Window) Window->CMEnter();
+}
+
+TWinControl* TKXHost::FocusControl() const {
+  return static_cast<TWinControl*>(FFocusControl);
+}
+
+namespace {
+
+// The character a key makes, 0 for none.
+char CharOfKey(uint16_t Key, TShiftState Keys) {
+  if (Keys.Contains(ssCtrl) || Keys.Contains(ssAlt)) return 0;
+  if (Key == VK_SPACE || Key == VK_RETURN || Key == VK_BACK || Key == VK_TAB ||
+      Key == VK_ESCAPE || (Key >= '0' && Key <= '9'))
+    return static_cast<char>(Key);
+  if (Key >= 'A' && Key <= 'Z')
+    return static_cast<char>(Keys.Contains(ssShift) ? Key : Key - 'A' + 'a');
+  return 0;
+}
+
+} // namespace
+
+bool TKXHost::KeyDown(uint16_t Key, TShiftState Keys) {
+  auto* Target = FocusControl();
+  if (!Target) return false;
+  const char Char = CharOfKey(Key, Keys);
+  Target->KeyDown(Key, Keys);
+  if (Key != 0 && Char != 0 && FFocusControl == Target) {
+    char C = Char;
+    Target->KeyPress(C);
+  }
+  return true;
 }
 
 TCursor TKXHost::Cursor() const {

@@ -11,7 +11,12 @@
 // the release go to the control that took the press, wherever the mouse is. When the mouse
 // comes over another control, the one it left hears CMMouseLeave (after the capture ends,
 // when it was captured) and the new one CMMouseEnter. Shift states hold the keys given
-// plus the buttons down. A left press and release on the same control is also a Click.
+// plus the buttons down. A left press and release on the same control is also a Click
+// (when the control's ClickEvents says so).
+//
+// Focus and keys. A press gives the focus to the nearest window under it, from the control
+// pressed outward, that can take it (CanFocus); a press on nothing that can keeps the focus
+// where it was. Keys go to the window with the focus.
 
 #include <cairo.h>
 
@@ -33,6 +38,7 @@ private:
   TControl* FMouseControl = nullptr;
   TControl* FCaptureControl = nullptr;
   TControl* FPressControl = nullptr;
+  TControl* FFocusControl = nullptr;
   TShiftState FButtons;
   TPoint FMousePos;
 
@@ -83,6 +89,17 @@ public:
   bool MouseWheel(TPoint Point, int32_t Delta, TShiftState Keys = {});
   // The mouse left the host's screen: the control under it hears CMMouseLeave.
   void MouseExit();
+
+  // --- Keys ---
+
+  // Gives Window the focus (nullptr takes it away): the old one hears CMExit, the new one
+  // CMEnter. A window that cannot take it (CanFocus) leaves the focus as it is.
+  void SetFocus(TWinControl* Window);
+  TWinControl* FocusControl() const;
+  // A key went down: KeyDown of the window with the focus, then, unless it took the key
+  // (set it to 0), KeyPress with the character the key makes (space, return, letters in
+  // the case Shift gives, digits). Answers whether a window had the focus.
+  bool KeyDown(uint16_t Key, TShiftState Keys = {});
 
   // The control an event at Point would reach, leaving the capture aside; nullptr over no
   // window.

@@ -12,6 +12,7 @@
 
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/toolkit/controls/KXCheckListBox.h"
 #include "support/KXTestSupport.h"
 
 namespace kx {
@@ -147,6 +148,27 @@ TEST_F(GtkHost, ARealMouseZoomsPansAndTracksAndTheScreenShowsIt) {
   Settle();
   EXPECT_FALSE(Panel->MouseTrackingOn());
   EXPECT_FALSE(Hint->Visible());
+}
+
+TEST_F(GtkHost, ACheckListTakesTheFocusFromARealPressAndTurnsChecksByKey) {
+  auto* List = New<TCheckListBox>(Form.get());
+  List->SetParent(Form.get());
+  List->SetBounds(10, 10, 140, 100);
+  List->SetStyle(lbOwnerDrawFixed);
+  for (const char* S : {"one", "two", "three"})
+    List->Items()->Add(S);
+  Host->Sync();
+  Settle();
+  // A press on the first item's check box turns it; Down and a space turn the second.
+  Xdotool("mousemove " + At(List->ClientToScreen({2 + 7, 2 + 8})) + " click 1");
+  Settle();
+  EXPECT_EQ(Host->FocusControl(), List);
+  EXPECT_TRUE(List->Checked(0));
+  Xdotool("key Down key space");
+  Settle();
+  EXPECT_EQ(List->ItemIndex(), 1);
+  EXPECT_TRUE(List->Checked(1));
+  EXPECT_FALSE(List->Checked(2));
 }
 
 } // namespace
