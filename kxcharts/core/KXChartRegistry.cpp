@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "kxcharts/core/KXCustomChartPanel.h"
+#include "kxcharts/legends/KXLegendControls.h"
 #include "kxcharts/toolkit/objects/KXClasses.h"
 #include "kxcharts/toolkit/objects/KXLists.h"
 
@@ -45,7 +46,8 @@ void StartChartPanelModule() {
   static std::once_flag Once;
   std::call_once(Once, [] {
     RegisterChart(ClassOf<TKXChart>());
-    RegisterClasses({ClassOf<TKXChartPanel>()});
+    RegisterClasses({ClassOf<TKXChartPanel>(), ClassOf<TKXChartLegendBox>(),
+                     ClassOf<TKXLegendListBox>()});
   });
 }
 

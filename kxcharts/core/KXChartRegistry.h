@@ -24,7 +24,7 @@ TKXCustomChartClass GetChartClass(TKXChartType ChartType);
 // The kind of the chart's class; ctCustom for nil.
 TKXChartType GetChartType(const TKXCustomChart* Chart);
 // Registers the classes of this module that a form reader makes by name (TKXChart,
-// TKXChartPanel). Runs once.
+// TKXChartPanel, the legend controls). Runs once.
 void StartChartPanelModule();
 
 // The colour of List that ColorListIndex points at; moves the counter on. Every palette that a

@@ -1,4 +1,5 @@
 #pragma once
-// The legends in one include.
+// The legends in one include: the panel's legend and the stand-alone legend controls.
 
 #include "kxcharts/legends/KXChartLegend.h"
+#include "kxcharts/legends/KXLegendControls.h"
