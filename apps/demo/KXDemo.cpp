@@ -8,6 +8,7 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
+#include "kxcharts/legends/KXChartLegends.h"
 #include "kxcharts/toolkit/runtime/KXFormat.h"
 
 namespace kx::demo {
@@ -86,18 +87,49 @@ void BuildPie(TDemo& Demo, TKXChartPanel* Panel) {
   Panel->Legend()->SetVisible(false);
 }
 
-// A signal that arrives while the demo runs: the host's timer appends a value every 40 ms,
-// and the collection keeps the last 400.
+// A signal that arrives while the demo runs: the host's timer appends a value every 40 ms
+// to the signal, its running mean and its upper envelope, and each collection keeps the
+// last 400. A check list beside the panel switches the three on and off.
 void BuildLive(TDemo& Demo, TKXChartPanel* Panel) {
+  auto* Envelope = PlainChart<TKXAreaChart>(Demo, Panel);
   auto* Line = PlainChart<TKXLineChart>(Demo, Panel);
+  auto* Mean = PlainChart<TKXLineChart>(Demo, Panel);
+  Envelope->SetCaption("Envelope");
   Line->SetCaption("Signal");
-  Line->Values()->SetLimit(400);
+  Mean->SetCaption("Running mean");
+  Mean->Pen()->SetWidth(2);
+  for (TKXCustomChart* C : {static_cast<TKXCustomChart*>(Envelope),
+                            static_cast<TKXCustomChart*>(Line), static_cast<TKXCustomChart*>(Mean)})
+    C->Values()->SetLimit(400);
   Panel->Legend()->SetVisible(false);
+
+  auto* List = New<TKXLegendListBox>(Demo.Form.get());
+  List->SetParent(Demo.Form.get());
+  List->SetLegendStyle(lsCharts);
+  List->SetItemHeight(18);
+  List->SetPanel(Panel);
+  // The list takes the right of the panel's cell, below the header.
+  Demo.Placers.push_back([Panel, List] {
+    constexpr int32_t Width = 150;
+    const TRect Cell = Panel->BoundsRect();
+    Panel->SetBounds(Cell.Left, Cell.Top, std::max(0, Cell.Width() - Width), Cell.Height());
+    List->SetBounds(Cell.Right - Width, Cell.Top + 30, Width - 6, 2 * 2 + 3 * 18);
+  });
+
   auto State = std::make_shared<std::pair<double, double>>(0.0, 0.0); // X, phase
-  const auto Next = [Line, State] {
+  const auto Next = [Line, Mean, Envelope, State] {
     auto& [X, Phase] = *State;
     Phase += 0.07;
-    Line->Values()->Add(X++, std::sin(Phase) * 40 + std::sin(Phase * 5.3) * 8 + 50);
+    const double Y = std::sin(Phase) * 40 + std::sin(Phase * 5.3) * 8 + 50;
+    // The last number of a chart, Y for an empty one.
+    const auto Last = [Y](const TKXCustomChart* C) {
+      const TKXChartValues* V = C->Values();
+      return V->Count() ? V->Items(V->Count() - 1)->GetValue(1) : Y;
+    };
+    const double M = Last(Mean), E = Last(Envelope);
+    Envelope->Values()->Add(X, std::max(Y, E - 0.8));
+    Mean->Values()->Add(X, M + (Y - M) * 0.08);
+    Line->Values()->Add(X++, Y);
   };
   for (int I = 0; I < 400; ++I)
     Next();
@@ -145,7 +177,7 @@ const std::vector<TDemoPanel>& DemoPanels() {
       {"Line and area", BuildLineAndArea},
       {"Bars (Ctrl + drag selects)", BuildBars},
       {"Pie (Ctrl + click or drag selects)", BuildPie},
-      {"A live signal (Limit 400, a value every 40 ms)", BuildLive},
+      {"A live signal (Limit 400, a value every 40 ms; the list switches charts)", BuildLive},
       {"One million values (the wheel zooms)", BuildMillion},
   };
   return Panels;
@@ -169,10 +201,14 @@ TDemo MakeDemo(int32_t Width, int32_t Height) {
     P.Build(Demo, Panel);
     Demo.Panels.push_back(Panel);
   }
-  Arrange(Demo.Form.get(), Demo.Panels, Help);
-  Demo.Form->SetOnResize([Form = Demo.Form.get(), Panels = Demo.Panels, Help](TObject*) {
+  const auto Layout = [Form = Demo.Form.get(), Panels = Demo.Panels, Help,
+                       Placers = Demo.Placers] {
     Arrange(Form, Panels, Help);
-  });
+    for (const auto& Place : Placers)
+      Place();
+  };
+  Layout();
+  Demo.Form->SetOnResize([Layout](TObject*) { Layout(); });
   return Demo;
 }
 

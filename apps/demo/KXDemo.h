@@ -20,11 +20,14 @@ struct TDemoTimer {
   std::function<bool()> Tick;
 };
 
-// The dashboard: the form, its panels in grid order and the timers they need.
+// The dashboard: the form, its panels in grid order, the timers they need, and what each
+// panel places beside itself in its cell after the grid is laid out (run in order at
+// every layout).
 struct TDemo {
   TOwned<TForm> Form;
   std::vector<TKXChartPanel*> Panels;
   std::vector<TDemoTimer> Timers;
+  std::vector<std::function<void()>> Placers;
 };
 
 // One panel of the dashboard: its header and what it puts into the panel (charts are made

@@ -1,14 +1,16 @@
 // The interactive demo: a dashboard of chart panels in a real window.
 //
 //   kx_demo                      opens the window (needs a display)
-//   kx_demo --screenshot FILE    shows it, zooms the million values and moves the mouse
-//                                over the first panel, saves what the screen shows, exits
+//   kx_demo --screenshot FILE    shows it, zooms the million values, switches the live
+//                                envelope off in its check list and moves the mouse over
+//                                the first panel, saves what the screen shows, exits
 #include <cstring>
 #include <iostream>
 
 #include "demo/KXDemo.h"
 #include "hosts/gtk/KXGtkHost.h"
 #include "kxcharts/KXChartModules.h"
+#include "kxcharts/legends/KXChartLegends.h"
 
 namespace {
 
@@ -22,6 +24,11 @@ void ShowTheMouse(TKXGtkHost& Host, demo::TDemo& Demo) {
   };
   TKXChartPanel* Million = Demo.Panels.back();
   Host.Drag(At(Million, 0.45, 0.05), At(Million, 0.55, 0.95));
+  Host.Sync();
+  // The check box of the first item (rows of 18 pixels inside a frame of 2).
+  for (int32_t I = 0; I < Demo.Form->ComponentCount(); ++I)
+    if (auto* List = dynamic_cast<TKXLegendListBox*>(Demo.Form->Components(I)))
+      Host.Click(List->ClientToScreen({2 + 7, 2 + 9}));
   Host.Sync();
   Host.ProcessEvents(200);
   Host.MouseMove(At(Demo.Panels.front(), 0.6, 0.4));

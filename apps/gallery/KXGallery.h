@@ -45,6 +45,7 @@ void AddToolkitSheets(std::vector<TGallerySheet>& Sheets);
 void AddControlsSheets(std::vector<TGallerySheet>& Sheets);
 void AddElementsSheets(std::vector<TGallerySheet>& Sheets);
 void AddLegendSheets(std::vector<TGallerySheet>& Sheets);
+void AddLegendControlsSheets(std::vector<TGallerySheet>& Sheets);
 void AddLineSheets(std::vector<TGallerySheet>& Sheets);
 void AddAxisSheets(std::vector<TGallerySheet>& Sheets);
 void AddPanelSheets(std::vector<TGallerySheet>& Sheets);

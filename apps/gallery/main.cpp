@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddControlsSheets(Sheets);
   kx::gallery::AddElementsSheets(Sheets);
   kx::gallery::AddLegendSheets(Sheets);
+  kx::gallery::AddLegendControlsSheets(Sheets);
   kx::gallery::AddLineSheets(Sheets);
   kx::gallery::AddAxisSheets(Sheets);
   kx::gallery::AddPanelSheets(Sheets);

@@ -12,6 +12,7 @@
 
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/core/KXChartPanel.h"
+#include "kxcharts/legends/KXChartLegends.h"
 #include "kxcharts/toolkit/controls/KXCheckListBox.h"
 #include "support/KXTestSupport.h"
 
@@ -169,6 +170,26 @@ TEST_F(GtkHost, ACheckListTakesTheFocusFromARealPressAndTurnsChecksByKey) {
   EXPECT_EQ(List->ItemIndex(), 1);
   EXPECT_TRUE(List->Checked(1));
   EXPECT_FALSE(List->Checked(2));
+}
+
+TEST_F(GtkHost, ALegendListSwitchesAChartOfThePanelByARealPress) {
+  auto* Second = New<TKXLineChart>(Form.get());
+  Second->Values()->Add(0, 10);
+  Second->Values()->Add(100, 90);
+  Second->SetPanel(Panel);
+  auto* List = New<TKXLegendListBox>(Form.get());
+  List->SetParent(Form.get());
+  List->SetBounds(300, 10, 180, 60);
+  List->SetLegendStyle(lsCharts);
+  List->SetPanel(Panel);
+  Host->Sync();
+  Settle();
+  ASSERT_EQ(List->Count(), 2);
+  Xdotool("mousemove " + At(List->ClientToScreen({2 + 7, 2 + 16 + 8})) + " click 1");
+  Settle();
+  EXPECT_FALSE(Second->Visible());
+  EXPECT_FALSE(List->Checked(1)) << "rebuilt before the host painted it";
+  EXPECT_FALSE(List->NeedsUpdate());
 }
 
 } // namespace
