@@ -201,8 +201,7 @@ TDemo MakeDemo(int32_t Width, int32_t Height) {
     P.Build(Demo, Panel);
     Demo.Panels.push_back(Panel);
   }
-  const auto Layout = [Form = Demo.Form.get(), Panels = Demo.Panels, Help,
-                       Placers = Demo.Placers] {
+  const auto Layout = [Form = Demo.Form.get(), Panels = Demo.Panels, Help, Placers = Demo.Placers] {
     Arrange(Form, Panels, Help);
     for (const auto& Place : Placers)
       Place();

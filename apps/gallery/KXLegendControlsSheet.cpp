@@ -78,8 +78,7 @@ void PaintLegendControls(TCanvas* Canvas, const TRect& Area) {
   AddLine("Revenue", 70, 6);
   AddLine("Forecast", 60, 8);
 
-  Label(Form.get(), "Legend box: hidden charts leave it",
-        {650, 44, 950, 64});
+  Label(Form.get(), "Legend box: hidden charts leave it", {650, 44, 950, 64});
   auto* Box = New<TKXChartLegendBox>(Form.get());
   Box->SetParent(Form.get());
   Box->SetBounds(650, 66, 290, 100);
@@ -98,8 +97,7 @@ void PaintLegendControls(TCanvas* Canvas, const TRect& Area) {
   Charts->SetLegendStyle(lsCharts);
   Charts->SetPanel(Panel);
 
-  Label(Form.get(), "Units values: Apr off, Jun and Aug selected",
-        {650, 180, 950, 200});
+  Label(Form.get(), "Units values: Apr off, Jun and Aug selected", {650, 180, 950, 200});
   auto* Values = New<TKXLegendListBox>(Form.get());
   Values->SetParent(Form.get());
   Values->SetBounds(650, 202, 290, 2 * 2 + 12 * 18);
@@ -137,8 +135,8 @@ void PaintLegendControls(TCanvas* Canvas, const TRect& Area) {
 
 void AddLegendControlsSheets(std::vector<TGallerySheet>& Sheets) {
   Sheets.push_back({"legend-controls",
-                    "Legend controls: a legend box and check lists following a panel",
-                    SheetWidth, SheetHeight, PaintLegendControls});
+                    "Legend controls: a legend box and check lists following a panel", SheetWidth,
+                    SheetHeight, PaintLegendControls});
 }
 
 } // namespace kx::gallery

@@ -77,22 +77,37 @@ bool ButtonOf(guint Button, TMouseButton& Out) {
 // The platform's virtual key number of a GDK key, 0 for one the controls do not know.
 uint16_t VirtualKey(guint KeyVal) {
   switch (KeyVal) {
-  case GDK_KEY_BackSpace: return VK_BACK;
-  case GDK_KEY_Tab: return VK_TAB;
+  case GDK_KEY_BackSpace:
+    return VK_BACK;
+  case GDK_KEY_Tab:
+    return VK_TAB;
   case GDK_KEY_Return:
-  case GDK_KEY_KP_Enter: return VK_RETURN;
-  case GDK_KEY_Escape: return VK_ESCAPE;
-  case GDK_KEY_space: return VK_SPACE;
-  case GDK_KEY_Page_Up: return VK_PRIOR;
-  case GDK_KEY_Page_Down: return VK_NEXT;
-  case GDK_KEY_End: return VK_END;
-  case GDK_KEY_Home: return VK_HOME;
-  case GDK_KEY_Left: return VK_LEFT;
-  case GDK_KEY_Up: return VK_UP;
-  case GDK_KEY_Right: return VK_RIGHT;
-  case GDK_KEY_Down: return VK_DOWN;
-  case GDK_KEY_Delete: return VK_DELETE;
-  default: break;
+  case GDK_KEY_KP_Enter:
+    return VK_RETURN;
+  case GDK_KEY_Escape:
+    return VK_ESCAPE;
+  case GDK_KEY_space:
+    return VK_SPACE;
+  case GDK_KEY_Page_Up:
+    return VK_PRIOR;
+  case GDK_KEY_Page_Down:
+    return VK_NEXT;
+  case GDK_KEY_End:
+    return VK_END;
+  case GDK_KEY_Home:
+    return VK_HOME;
+  case GDK_KEY_Left:
+    return VK_LEFT;
+  case GDK_KEY_Up:
+    return VK_UP;
+  case GDK_KEY_Right:
+    return VK_RIGHT;
+  case GDK_KEY_Down:
+    return VK_DOWN;
+  case GDK_KEY_Delete:
+    return VK_DELETE;
+  default:
+    break;
   }
   const guint Upper = gdk_keyval_to_upper(KeyVal);
   if ((Upper >= 'A' && Upper <= 'Z') || (Upper >= '0' && Upper <= '9'))
@@ -159,12 +174,12 @@ struct TKXGtkHost::TImpl {
     if (Keep->Window) {
       g_signal_handlers_disconnect_matched(Keep->Window, G_SIGNAL_MATCH_DATA, 0, 0, nullptr,
                                            nullptr, Keep.get());
-      g_signal_handlers_disconnect_matched(Keep->Area, G_SIGNAL_MATCH_DATA, 0, 0, nullptr,
-                                           nullptr, Keep.get());
+      g_signal_handlers_disconnect_matched(Keep->Area, G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr,
+                                           Keep.get());
       gtk_widget_destroy(Keep->Window);
     }
-    if (!Keep->Popup && Loop && std::none_of(Shown.begin(), Shown.end(),
-                                             [](const auto& P) { return !P->Popup; }))
+    if (!Keep->Popup && Loop &&
+        std::none_of(Shown.begin(), Shown.end(), [](const auto& P) { return !P->Popup; }))
       g_main_loop_quit(Loop);
   }
 
@@ -385,8 +400,7 @@ void TKXGtkHost::BeforeDestruction() {
 
 void TKXGtkHost::Notification(TComponent* AComponent, TOperation Operation) {
   if (Operation == opRemove && FImpl)
-    if (TShownWindow* S = FImpl->Find(AComponent); S && !S->Popup)
-      FImpl->Drop(S);
+    if (TShownWindow* S = FImpl->Find(AComponent); S && !S->Popup) FImpl->Drop(S);
   inherited::Notification(AComponent, Operation);
 }
 
@@ -436,9 +450,9 @@ void TKXGtkHost::Quit() {
 void TKXGtkHost::AddTimer(int32_t Interval, std::function<bool()> Tick) {
   using TTimer = std::pair<TKXGtkHost*, std::function<bool()>>;
   auto* T = new TTimer(this, std::move(Tick));
-  const guint Id = g_timeout_add_full(
-      G_PRIORITY_DEFAULT, static_cast<guint>(std::max(1, Interval)), TImpl::OnTimer, T,
-      [](gpointer P) { delete static_cast<TTimer*>(P); });
+  const guint Id =
+      g_timeout_add_full(G_PRIORITY_DEFAULT, static_cast<guint>(std::max(1, Interval)),
+                         TImpl::OnTimer, T, [](gpointer P) { delete static_cast<TTimer*>(P); });
   FImpl->Timers.push_back(Id);
 }
 
@@ -469,9 +483,8 @@ void TKXGtkHost::SaveScreenshot(TForm* Form, const std::filesystem::path& FileNa
   if (!Area) throw Exception("Cannot take a screenshot of a form that is not shown");
   gint X = 0, Y = 0;
   gdk_window_get_origin(Area, &X, &Y);
-  GdkPixbuf* Shot = gdk_pixbuf_get_from_window(gdk_get_default_root_window(), X, Y,
-                                               gdk_window_get_width(Area),
-                                               gdk_window_get_height(Area));
+  GdkPixbuf* Shot = gdk_pixbuf_get_from_window(
+      gdk_get_default_root_window(), X, Y, gdk_window_get_width(Area), gdk_window_get_height(Area));
   GError* Error = nullptr;
   const bool Saved = Shot && gdk_pixbuf_save(Shot, FileName.c_str(), "png", &Error, nullptr);
   if (Shot) g_object_unref(Shot);

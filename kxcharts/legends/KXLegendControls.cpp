@@ -12,36 +12,26 @@ namespace kx {
 
 namespace {
 
-// Moves Listener's registration and Self's free notification from Slot to Value. An object
-// on its way out may have let go of its listeners already.
+// Moves Listener's registration and Control's free notification from Slot to Value. An
+// object on its way out may have let go of its listeners already.
 template <class T>
-void Follow(TComponent* Self, IChartPanelListener* Listener, T*& Slot, T* Value) {
-  if (Slot == Value) return;
+bool Follow(TComponent* Control, IChartPanelListener* Listener, T*& Slot, T* Value) {
+  if (Slot == Value) return false;
   if (Slot) {
     if (Slot->Listeners()) Slot->Listeners()->Remove(Listener);
-    Self->RemoveFreeNotification(Slot);
+    Control->RemoveFreeNotification(Slot);
   }
   Slot = Value;
   if (Value) {
     Value->Listeners()->Add(Listener);
-    Self->FreeNotification(Value);
+    Control->FreeNotification(Value);
   }
+  return true;
 }
 
 TKXCustomChart* ChartOfValue(const TObject* Sender) {
   const auto* V = dynamic_cast<const TKXChartValue*>(Sender);
   return V && V->Collection() ? V->Collection()->Owner() : nullptr;
-}
-
-// The rule for SelectionChanged and VisibleChanged: the listed chart itself; any chart
-// while charts are listed; a value of the listed chart while values are.
-bool SenderConcerns(const TObject* Sender, const TKXCustomChart* Chart, const TKXCustomChart* Listed,
-                    bool Show) {
-  if (!Sender) return false;
-  if (Sender == Chart || Sender == Listed) return true;
-  if (Show) return dynamic_cast<const TKXCustomChart*>(Sender) != nullptr;
-  const TKXCustomChart* Owner = ChartOfValue(Sender);
-  return Owner && (Owner == Chart || Owner == Listed);
 }
 
 // A line stands for what its object is: lsAuto reads as the chart or as the value.
@@ -51,6 +41,40 @@ TKXLegendStyle LineStyle(TKXLegendStyle Style, bool ForValue) {
 }
 
 } // namespace
+
+// --- TKXLegendLinks ---
+
+bool TKXLegendLinks::SetPanel(TKXCustomChartPanel* Value) {
+  return Follow(FControl, FListener, FPanel, Value);
+}
+
+bool TKXLegendLinks::SetChart(TKXCustomChart* Value) {
+  return Follow(FControl, FListener, FChart, Value);
+}
+
+bool TKXLegendLinks::Forget(const TComponent* AComponent) {
+  if (!AComponent) return false;
+  if (AComponent == FPanel) return SetPanel(nullptr);
+  if (AComponent == FChart) return SetChart(nullptr);
+  return false;
+}
+
+TKXCustomChart* TKXLegendLinks::ActiveChart() const {
+  return FPanel ? FPanel->Charts()->ActiveChart() : nullptr;
+}
+
+bool TKXLegendLinks::ShowsCharts(TKXLegendStyle Style) const {
+  return IsLegendShowingCharts(FPanel, Style);
+}
+
+bool TKXLegendLinks::SenderConcerns(const TObject* Sender, const TKXCustomChart* Listed,
+                                    bool Show) const {
+  if (!Sender) return false;
+  if (Sender == FChart || Sender == Listed) return true;
+  if (Show) return dynamic_cast<const TKXCustomChart*>(Sender) != nullptr;
+  const TKXCustomChart* Owner = ChartOfValue(Sender);
+  return Owner && (Owner == FChart || Owner == Listed);
+}
 
 // --- TKXChartLegendBox: life ---
 
@@ -75,8 +99,8 @@ void TKXChartLegendBox::AfterConstruction() {
 }
 
 void TKXChartLegendBox::BeforeDestruction() {
-  Follow(this, this, FPanel, static_cast<TKXCustomChartPanel*>(nullptr));
-  Follow(this, this, FChart, static_cast<TKXCustomChart*>(nullptr));
+  FLinks.SetPanel(nullptr);
+  FLinks.SetChart(nullptr);
   if (FLegend) {
     FLegend->SetOnChange(nullptr);
     FLegend->SetOnGetLegendStrings(nullptr);
@@ -87,19 +111,22 @@ void TKXChartLegendBox::BeforeDestruction() {
 // --- TKXChartLegendBox: properties ---
 
 void TKXChartLegendBox::SetPanel(TKXCustomChartPanel* Value) {
-  if (Value == FPanel) return;
-  Follow(this, this, FPanel, Value);
-  if (Value && !FChart && !ComponentState().Contains(csLoading))
-    SetChart(Value->Charts()->ActiveChart());
+  if (!FLinks.SetPanel(Value)) return;
+  // A form being read names the chart itself, or none.
+  if (Value && !FLinks.Chart() && !ComponentState().Contains(csLoading))
+    FLinks.SetChart(FLinks.ActiveChart());
   SetNeedsUpdate(true);
   Invalidate();
 }
 
 void TKXChartLegendBox::SetChart(TKXCustomChart* Value) {
-  if (Value == FChart) return;
-  Follow(this, this, FChart, Value);
+  if (!FLinks.SetChart(Value)) return;
   SetNeedsUpdate(true);
   Invalidate();
+}
+
+TKXCustomChart* TKXChartLegendBox::Listed() const {
+  return FLinks.Panel() ? FLinks.ActiveChart() : FLinks.Chart();
 }
 
 bool TKXChartLegendBox::GetNeedsUpdate() const {
@@ -116,7 +143,7 @@ void TKXChartLegendBox::GetLegendStrings(TObject*, TStrings* Strings) {
   const TKXLegendStyle Style = FLegend->LegendStyle();
   const TKXLegendTextStyle TextStyle = FLegend->TextStyle();
   const int32_t MaxRows = FLegend->MaxRows();
-  FShownCharts = IsLegendShowingCharts(FPanel, Style);
+  FShownCharts = Show();
   const auto ListValues = [&](TKXCustomChart* Chart) {
     if (!Chart) return;
     const TKXChartValues* Values = Chart->Values();
@@ -127,10 +154,10 @@ void TKXChartLegendBox::GetLegendStrings(TObject*, TStrings* Strings) {
         Strings->AddObject(GetLegendText(Chart, Value, LineStyle(Style, true), TextStyle), Value);
     }
   };
-  if (!FPanel) {
-    ListValues(FChart);
+  if (!FLinks.Panel()) {
+    ListValues(FLinks.Chart());
   } else if (FShownCharts) {
-    const TKXChartList* Charts = FPanel->Charts();
+    const TKXChartList* Charts = FLinks.Panel()->Charts();
     for (int32_t I = FLegend->FirstIndex(); Strings->Count() < MaxRows && I < Charts->Count();
          ++I) {
       TKXCustomChart* Chart = Charts->Items(I);
@@ -139,14 +166,14 @@ void TKXChartLegendBox::GetLegendStrings(TObject*, TStrings* Strings) {
                            Chart);
     }
   } else {
-    ListValues(FPanel->Charts()->ActiveChart());
+    ListValues(FLinks.ActiveChart());
   }
 }
 
 // --- TKXChartLegendBox: what it hears ---
 
 void TKXChartLegendBox::Mark(bool Raise) {
-  if (!Raise && IsLegendShowingCharts(FPanel, FLegend->LegendStyle()) == FShownCharts) return;
+  if (!Raise && Show() == FShownCharts) return;
   if (GetNeedsUpdate()) return;
   SetNeedsUpdate(true);
   Invalidate();
@@ -165,23 +192,19 @@ void TKXChartLegendBox::ChartAdded(TKXCustomChart*) {
 }
 
 void TKXChartLegendBox::ChartDeleted(TKXCustomChart* Item) {
-  Mark(Item == FChart || IsLegendShowingCharts(FPanel, FLegend->LegendStyle()));
+  Mark(FLinks.ChartConcerns(Item, Show()));
 }
 
 void TKXChartLegendBox::ChartChanged(TKXCustomChart* Item) {
-  Mark(Item == FChart || IsLegendShowingCharts(FPanel, FLegend->LegendStyle()));
+  Mark(FLinks.ChartConcerns(Item, Show()));
 }
 
 void TKXChartLegendBox::ValueChanged(TKXCustomChart* Item, TKXChartValue*) {
-  const bool Show = IsLegendShowingCharts(FPanel, FLegend->LegendStyle());
-  const TKXCustomChart* Listed = FPanel ? FPanel->Charts()->ActiveChart() : FChart;
-  Mark((Item == FChart || Item == Listed) && !Show);
+  Mark((Item == FLinks.Chart() || Item == Listed()) && !Show());
 }
 
 void TKXChartLegendBox::SelectionChanged(TObject* Sender) {
-  const TKXCustomChart* Listed = FPanel ? FPanel->Charts()->ActiveChart() : FChart;
-  Mark(SenderConcerns(Sender, FChart, Listed,
-                      IsLegendShowingCharts(FPanel, FLegend->LegendStyle())));
+  Mark(FLinks.SenderConcerns(Sender, Listed(), Show()));
 }
 
 void TKXChartLegendBox::VisibleChanged(TObject* Sender) {
@@ -196,16 +219,7 @@ void TKXChartLegendBox::Paint() {
 }
 
 void TKXChartLegendBox::Notification(TComponent* AComponent, TOperation Operation) {
-  if (Operation == opRemove && AComponent) {
-    if (AComponent == FPanel) {
-      Follow(this, this, FPanel, static_cast<TKXCustomChartPanel*>(nullptr));
-      Mark(true);
-    }
-    if (AComponent == FChart) {
-      Follow(this, this, FChart, static_cast<TKXCustomChart*>(nullptr));
-      Mark(true);
-    }
-  }
+  if (Operation == opRemove && FLinks.Forget(AComponent)) Mark(true);
   inherited::Notification(AComponent, Operation);
 }
 
@@ -229,29 +243,27 @@ void TKXLegendListBox::AfterConstruction() {
 }
 
 void TKXLegendListBox::BeforeDestruction() {
-  Follow(this, this, FPanel, static_cast<TKXCustomChartPanel*>(nullptr));
-  Follow(this, this, FChart, static_cast<TKXCustomChart*>(nullptr));
+  FLinks.SetPanel(nullptr);
+  FLinks.SetChart(nullptr);
   inherited::BeforeDestruction();
 }
 
 // --- TKXLegendListBox: properties ---
 
-bool TKXLegendListBox::Show() const {
-  return IsLegendShowingCharts(FPanel, FLegendStyle);
+TKXCustomChart* TKXLegendListBox::Listed() const {
+  return FLinks.Chart() ? FLinks.Chart() : FLinks.ActiveChart();
 }
 
 void TKXLegendListBox::SetPanel(TKXCustomChartPanel* Value) {
-  if (Value == FPanel) return;
-  Follow(this, this, FPanel, Value);
-  if (Value && !FChart && !ComponentState().Contains(csLoading))
-    SetChart(Value->Charts()->ActiveChart());
+  if (!FLinks.SetPanel(Value)) return;
+  if (Value && !FLinks.Chart() && !ComponentState().Contains(csLoading))
+    FLinks.SetChart(FLinks.ActiveChart());
   FNeedsUpdate = true;
   Invalidate();
 }
 
 void TKXLegendListBox::SetChart(TKXCustomChart* Value) {
-  if (Value == FChart) return;
-  Follow(this, this, FChart, Value);
+  if (!FLinks.SetChart(Value)) return;
   FNeedsUpdate = true;
   Invalidate();
 }
@@ -303,19 +315,18 @@ void TKXLegendListBox::RebuildLegend() {
   try {
     L->Clear();
     FShownCharts = Show();
-    if (!FPanel || !FShownCharts) {
-      TKXCustomChart* Chart = FChart ? FChart : FPanel ? FPanel->Charts()->ActiveChart() : nullptr;
+    if (!FLinks.Panel() || !FShownCharts) {
+      TKXCustomChart* Chart = Listed();
       const TKXChartValues* Values = Chart ? Chart->Values() : nullptr;
       for (int32_t I = 0; Values && I < Values->Count(); ++I) {
         TKXChartValue* Value = Values->Items(I);
-        const int32_t At =
-            L->AddObject(GetLegendText(Chart, Value, LineStyle(FLegendStyle, true), FLegendTextStyle),
-                         Value);
+        const int32_t At = L->AddObject(
+            GetLegendText(Chart, Value, LineStyle(FLegendStyle, true), FLegendTextStyle), Value);
         L->Item(At).State = Value->Visible() ? cbChecked : cbUnchecked;
         L->Item(At).Selected = Value->Selected();
       }
     } else {
-      const TKXChartList* Charts = FPanel->Charts();
+      const TKXChartList* Charts = FLinks.Panel()->Charts();
       for (int32_t I = 0; I < Charts->Count(); ++I) {
         TKXCustomChart* Chart = Charts->Items(I);
         if (!Chart->Options().Contains(coShowInLegend)) continue;
@@ -358,20 +369,19 @@ void TKXLegendListBox::ChartAdded(TKXCustomChart*) {
 }
 
 void TKXLegendListBox::ChartDeleted(TKXCustomChart* Item) {
-  Mark(Item == FChart || Show());
+  Mark(FLinks.ChartConcerns(Item, Show()));
 }
 
 void TKXLegendListBox::ChartChanged(TKXCustomChart* Item) {
-  Mark(Item == FChart || Show());
+  Mark(FLinks.ChartConcerns(Item, Show()));
 }
 
 void TKXLegendListBox::ValueChanged(TKXCustomChart* Item, TKXChartValue*) {
-  Mark(Item == FChart || !Show());
+  Mark(Item == FLinks.Chart() || !Show());
 }
 
 void TKXLegendListBox::SelectionChanged(TObject* Sender) {
-  const TKXCustomChart* Listed = FChart ? FChart : FPanel ? FPanel->Charts()->ActiveChart() : nullptr;
-  Mark(SenderConcerns(Sender, FChart, Listed, Show()));
+  Mark(FLinks.SenderConcerns(Sender, Listed(), Show()));
 }
 
 void TKXLegendListBox::VisibleChanged(TObject* Sender) {
@@ -439,8 +449,10 @@ void TKXLegendListBox::DrawItem(int32_t Index, const TRect& Rect, TOwnerDrawStat
   auto* Value = dynamic_cast<TKXChartValue*>(Object);
   TKXCustomChart* Owner = Value ? ChartOfValue(Value) : nullptr;
   TColor Fill = Keep;
-  if (Chart) Fill = Chart->GetColor();
-  else if (Owner) Fill = Owner->GetColor(Value);
+  if (Chart)
+    Fill = Chart->GetColor();
+  else if (Owner)
+    Fill = Owner->GetColor(Value);
   if (FOptions.Contains(loChartGlyphs) && Chart) {
     Chart->DrawGlyph(C, Box);
   } else if (FOptions.Contains(loChartGlyphs) && Owner) {
@@ -466,16 +478,7 @@ void TKXLegendListBox::DrawItem(int32_t Index, const TRect& Rect, TOwnerDrawStat
 // --- TKXLegendListBox: links and persistence ---
 
 void TKXLegendListBox::Notification(TComponent* AComponent, TOperation Operation) {
-  if (Operation == opRemove && AComponent) {
-    if (AComponent == FPanel) {
-      Follow(this, this, FPanel, static_cast<TKXCustomChartPanel*>(nullptr));
-      Mark(true);
-    }
-    if (AComponent == FChart) {
-      Follow(this, this, FChart, static_cast<TKXCustomChart*>(nullptr));
-      Mark(true);
-    }
-  }
+  if (Operation == opRemove && FLinks.Forget(AComponent)) Mark(true);
   inherited::Notification(AComponent, Operation);
 }
 

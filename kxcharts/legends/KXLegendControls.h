@@ -40,14 +40,51 @@ namespace kx {
 
 class TKXCustomChartPanel;
 
+// --- TKXLegendLinks ---
+
+// What a legend control follows: a panel and a chart, neither owned. The control is a
+// listener of each and is told when either is freed. The rule table of the header comment
+// is answered here for both controls.
+class TKXLegendLinks {
+private:
+  TComponent* FControl;
+  IChartPanelListener* FListener;
+  TKXCustomChartPanel* FPanel = nullptr;
+  TKXCustomChart* FChart = nullptr;
+
+public:
+  TKXLegendLinks(TComponent* AControl, IChartPanelListener* AListener)
+      : FControl(AControl), FListener(AListener) {}
+  TKXLegendLinks(const TKXLegendLinks&) = delete;
+  TKXLegendLinks& operator=(const TKXLegendLinks&) = delete;
+
+  TKXCustomChartPanel* Panel() const { return FPanel; }
+  TKXCustomChart* Chart() const { return FChart; }
+  // Move the listener's registration and the free notification from the old object to
+  // the new one; answer whether anything changed.
+  bool SetPanel(TKXCustomChartPanel* Value);
+  bool SetChart(TKXCustomChart* Value);
+  // Lets go of AComponent when it is the panel or the chart; answers whether it was.
+  bool Forget(const TComponent* AComponent);
+  // The panel's active chart; nil without a panel.
+  TKXCustomChart* ActiveChart() const;
+  // Whether the lines stand for charts in Style.
+  bool ShowsCharts(TKXLegendStyle Style) const;
+  // ChartDeleted and ChartChanged: Item is the chart, or charts show.
+  bool ChartConcerns(const TKXCustomChart* Item, bool Show) const { return Item == FChart || Show; }
+  // SelectionChanged and VisibleChanged: Sender is the chart or Listed (the chart whose
+  // values are listed); or charts show and Sender is a chart; or values show and Sender is
+  // a value of either.
+  bool SenderConcerns(const TObject* Sender, const TKXCustomChart* Listed, bool Show) const;
+};
+
 // --- TKXChartLegendBox ---
 
 class TKXChartLegendBox : public TPaintBox, public IChartPanelListener {
   KX_CLASS(TKXChartLegendBox, TPaintBox)
 
 private:
-  TKXCustomChartPanel* FPanel = nullptr;
-  TKXCustomChart* FChart = nullptr;
+  TKXLegendLinks FLinks{this, this};
   TOwned<TKXChartLegend> FLegend;
   // Whether the lines gathered last stood for charts.
   bool FShownCharts = false;
@@ -64,10 +101,10 @@ public:
   void SetLegend(const TKXChartLegend* Value) { FLegend->Assign(Value); }
   // The panel followed (not owned). Setting one while no chart is set also sets Chart to
   // the panel's active chart of that moment (not while a form is read).
-  TKXCustomChartPanel* Panel() const { return FPanel; }
+  TKXCustomChartPanel* Panel() const { return FLinks.Panel(); }
   void SetPanel(TKXCustomChartPanel* Value);
   // The chart whose values are listed when the box does not list charts (not owned).
-  TKXCustomChart* Chart() const { return FChart; }
+  TKXCustomChart* Chart() const { return FLinks.Chart(); }
   void SetChart(TKXCustomChart* Value);
   // The rebuild flag: the legend's NeedsUpdate.
   bool NeedsUpdate() const { return GetNeedsUpdate(); }
@@ -105,6 +142,9 @@ protected:
 
 private:
   void Mark(bool Raise);
+  // Whether the box lists charts now, and the chart whose values it lists otherwise.
+  bool Show() const { return FLinks.ShowsCharts(FLegend->LegendStyle()); }
+  TKXCustomChart* Listed() const;
 };
 
 // --- TKXLegendListBox ---
@@ -113,8 +153,7 @@ class TKXLegendListBox : public TCheckListBox, public IChartPanelListener {
   KX_CLASS(TKXLegendListBox, TCheckListBox)
 
 private:
-  TKXCustomChartPanel* FPanel = nullptr;
-  TKXCustomChart* FChart = nullptr;
+  TKXLegendLinks FLinks{this, this};
   TKXLegendTextStyle FLegendTextStyle = ltsCaption;
   TKXLegendStyle FLegendStyle = lsAuto;
   bool FNeedsUpdate = false;
@@ -134,9 +173,9 @@ public:
   // --- Properties ---
   // (Panel and Chart as in TKXChartLegendBox; every setter below raises the flag.)
 
-  TKXCustomChartPanel* Panel() const { return FPanel; }
+  TKXCustomChartPanel* Panel() const { return FLinks.Panel(); }
   void SetPanel(TKXCustomChartPanel* Value);
-  TKXCustomChart* Chart() const { return FChart; }
+  TKXCustomChart* Chart() const { return FLinks.Chart(); }
   void SetChart(TKXCustomChart* Value);
   // What is listed: lsAuto lists the charts when the panel has more than one for the
   // legend, otherwise the values of Chart (or of the panel's active chart).
@@ -214,8 +253,9 @@ protected:
 
 private:
   void Mark(bool Raise);
-  // Whether the list stands for charts now.
-  bool Show() const;
+  // Whether the list stands for charts now, and the chart whose values it lists otherwise.
+  bool Show() const { return FLinks.ShowsCharts(FLegendStyle); }
+  TKXCustomChart* Listed() const;
 };
 
 } // namespace kx

@@ -21,6 +21,14 @@ using test::TTestChart;
 using Texts = std::vector<std::string>;
 using Checks = std::vector<bool>;
 
+// The screen point of list item I: its check box, or its text.
+TPoint OnCheck(int32_t I) {
+  return {2 + 7, 300 + 2 + 16 * I + 8};
+}
+TPoint OnText(int32_t I) {
+  return {2 + 100, 300 + 2 + 16 * I + 8};
+}
+
 // A form at the screen's top left: a panel, and under it a legend list at (0, 300) of
 // 200 x 100 (rows of 16 pixels inside a 2-pixel frame, check strip 15 wide) and a legend
 // box beside it. Charts A, B, C are made by the tests, owned by the form.
@@ -73,9 +81,6 @@ public:
     return R;
   }
   Texts BoxLines() { return Texts(Box->Legend()->Lines()->begin(), Box->Legend()->Lines()->end()); }
-  // The screen point of list item I: its check box, or its text.
-  static TPoint OnCheck(int32_t I) { return {2 + 7, 300 + 2 + 16 * I + 8}; }
-  static TPoint OnText(int32_t I) { return {2 + 100, 300 + 2 + 16 * I + 8}; }
 
   TOwned<TForm> Form;
   TKXChartPanel* Panel = nullptr;
@@ -194,19 +199,19 @@ TEST_P(LegendUser, ChecksSwitchChartsAndValuesAndSelectionReachesValuesWhenEnabl
 constexpr bool T = true, F = false;
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Table, LegendUser, testing::Values(
-    TUserCase{"checkHidesAChart", lsCharts, false, {{LegendControls::OnCheck(1), {}}},
+    TUserCase{"checkHidesAChart", lsCharts, false, {{OnCheck(1), {}}},
               {T, F}, {T, F}, {T, T, T}, {F, F, F}},
-    TUserCase{"checkTwiceShowsItAgain", lsCharts, false, {{LegendControls::OnCheck(1), {}}, {LegendControls::OnCheck(1), {}}},
+    TUserCase{"checkTwiceShowsItAgain", lsCharts, false, {{OnCheck(1), {}}, {OnCheck(1), {}}},
               {T, T}, {T, T}, {T, T, T}, {F, F, F}},
-    TUserCase{"textOnlySelectsTheItem", lsCharts, true, {{LegendControls::OnText(1), {}}},
+    TUserCase{"textOnlySelectsTheItem", lsCharts, true, {{OnText(1), {}}},
               {T, T}, {T, T}, {T, T, T}, {F, F, F}},
-    TUserCase{"checkHidesAValue", lsValues, false, {{LegendControls::OnCheck(2), {}}},
+    TUserCase{"checkHidesAValue", lsValues, false, {{OnCheck(2), {}}},
               {T, T, F}, {T, T}, {T, T, F}, {F, F, F}},
     TUserCase{"selectionReachesValuesWhenEnabled", lsValues, true,
-              {{LegendControls::OnText(0), {}}, {LegendControls::OnText(2), {ssCtrl}}},
+              {{OnText(0), {}}, {OnText(2), {ssCtrl}}},
               {T, T, T}, {T, T}, {T, T, T}, {T, F, T}},
     TUserCase{"selectionStaysInTheListWhenNot", lsValues, false,
-              {{LegendControls::OnText(0), {}}, {LegendControls::OnText(2), {ssCtrl}}},
+              {{OnText(0), {}}, {OnText(2), {ssCtrl}}},
               {T, T, T}, {T, T}, {T, T, T}, {F, F, F}},
     TUserCase{"aPressBelowTheItemsDoesNothing", lsValues, true, {{{50, 395}, {}}},
               {T, T, T}, {T, T}, {T, T, T}, {F, F, F}}),

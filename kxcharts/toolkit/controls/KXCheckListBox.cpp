@@ -22,7 +22,7 @@ void TCheckListBox::SetItemEnabled(int32_t Index, bool Value) {
 void TCheckListBox::ToggleClickCheck(int32_t Index) {
   if (Index < 0 || Index >= Count() || !ItemEnabled(Index)) return;
   const TCheckBoxState S = State(Index);
-  SetState(Index, S == cbUnchecked ? cbChecked
+  SetState(Index, S == cbUnchecked                 ? cbChecked
                   : S == cbChecked && FAllowGrayed ? cbGrayed
                                                    : cbUnchecked);
   ClickCheck();

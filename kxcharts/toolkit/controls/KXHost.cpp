@@ -290,8 +290,8 @@ namespace {
 // The character a key makes, 0 for none.
 char CharOfKey(uint16_t Key, TShiftState Keys) {
   if (Keys.Contains(ssCtrl) || Keys.Contains(ssAlt)) return 0;
-  if (Key == VK_SPACE || Key == VK_RETURN || Key == VK_BACK || Key == VK_TAB ||
-      Key == VK_ESCAPE || (Key >= '0' && Key <= '9'))
+  if (Key == VK_SPACE || Key == VK_RETURN || Key == VK_BACK || Key == VK_TAB || Key == VK_ESCAPE ||
+      (Key >= '0' && Key <= '9'))
     return static_cast<char>(Key);
   if (Key >= 'A' && Key <= 'Z')
     return static_cast<char>(Keys.Contains(ssShift) ? Key : Key - 'A' + 'a');

@@ -65,8 +65,10 @@ void TListBoxStrings::Delete(int32_t Index) {
   FItems.erase(FItems.begin() + Index);
   // The caret stays on its item; on the deleted one it goes.
   int32_t& Caret = FListBox->FItemIndex;
-  if (Caret == Index) Caret = -1;
-  else if (Caret > Index) --Caret;
+  if (Caret == Index)
+    Caret = -1;
+  else if (Caret > Index)
+    --Caret;
   Changed();
 }
 
@@ -140,8 +142,10 @@ bool TCustomListBox::Selected(int32_t Index) const {
 void TCustomListBox::SetSelected(int32_t Index, bool Value) {
   TListBoxStrings::TItem& It = FItems->Item(Index);
   if (!FMultiSelect) {
-    if (Value) SetItemIndex(Index);
-    else if (Index == FItemIndex) SetItemIndex(-1);
+    if (Value)
+      SetItemIndex(Index);
+    else if (Index == FItemIndex)
+      SetItemIndex(-1);
     return;
   }
   if (It.Selected == Value) return;
@@ -234,8 +238,10 @@ int32_t TCustomListBox::ItemAtPos(TPoint Pos, bool Existing) const {
 
 void TCustomListBox::ScrollIntoView(int32_t Index) {
   if (Index < 0 || Index >= Count()) return;
-  if (Index < FTopIndex) SetTopIndex(Index);
-  else if (Index >= FTopIndex + PageSize()) SetTopIndex(Index - PageSize() + 1);
+  if (Index < FTopIndex)
+    SetTopIndex(Index);
+  else if (Index >= FTopIndex + PageSize())
+    SetTopIndex(Index - PageSize() + 1);
 }
 
 void TCustomListBox::InvalidateItem(int32_t Index) {
@@ -353,8 +359,10 @@ void TCustomListBox::SelectByUser(int32_t Index, TShiftState Shift) {
     for (int32_t I = 0; I < Count(); ++I) {
       bool& S = FItems->Item(I).Selected;
       bool Now = S;
-      if (I >= Lo && I <= Hi) Now = Range || !Toggle ? true : !S;
-      else if (!Toggle) Now = false;
+      if (I >= Lo && I <= Hi)
+        Now = Range || !Toggle ? true : !S;
+      else if (!Toggle)
+        Now = false;
       Changed = Changed || Now != S;
       S = Now;
     }
@@ -372,8 +380,10 @@ void TCustomListBox::MouseDown(TMouseButton Button, TShiftState Shift, int32_t X
     const TRect Track = TrackRect(ItemsRect());
     if (HasScrollBar() && PtInRect(Track, P)) {
       const TRect Thumb = ThumbRect(Track, Count(), PageSize(), FTopIndex);
-      if (Y < Thumb.Top) SetTopIndex(FTopIndex - PageSize());
-      else if (Y >= Thumb.Bottom) SetTopIndex(FTopIndex + PageSize());
+      if (Y < Thumb.Top)
+        SetTopIndex(FTopIndex - PageSize());
+      else if (Y >= Thumb.Bottom)
+        SetTopIndex(FTopIndex + PageSize());
     } else if (const int32_t Index = ItemAtPos(P, true); Index >= 0) {
       SelectByUser(Index, Shift);
     }
@@ -393,13 +403,26 @@ void TCustomListBox::KeyDown(uint16_t& Key, TShiftState Shift) {
   const int64_t Caret = FItemIndex;
   int64_t To;
   switch (Key) {
-  case VK_UP: To = Caret - 1; break;
-  case VK_DOWN: To = Caret + 1; break;
-  case VK_HOME: To = 0; break;
-  case VK_END: To = Count() - 1; break;
-  case VK_PRIOR: To = Caret - (PageSize() - 1); break;
-  case VK_NEXT: To = Caret + (PageSize() - 1); break;
-  default: return;
+  case VK_UP:
+    To = Caret - 1;
+    break;
+  case VK_DOWN:
+    To = Caret + 1;
+    break;
+  case VK_HOME:
+    To = 0;
+    break;
+  case VK_END:
+    To = Count() - 1;
+    break;
+  case VK_PRIOR:
+    To = Caret - (PageSize() - 1);
+    break;
+  case VK_NEXT:
+    To = Caret + (PageSize() - 1);
+    break;
+  default:
+    return;
   }
   Key = 0;
   const int32_t Index = static_cast<int32_t>(std::clamp<int64_t>(To, 0, Count() - 1));
@@ -435,11 +458,11 @@ void TCustomListBox::DefineProperties(TFiler& Filer) {
       StoresItems() && Count() > 0);
   Filer.Property("ItemHeight", this, &TCustomListBox::ItemHeight, &TCustomListBox::SetItemHeight,
                  16);
-  Filer.Property("MultiSelect", this, &TCustomListBox::MultiSelect,
-                 &TCustomListBox::SetMultiSelect, false);
+  Filer.Property("MultiSelect", this, &TCustomListBox::MultiSelect, &TCustomListBox::SetMultiSelect,
+                 false);
   Filer.Property("Style", this, &TCustomListBox::Style, &TCustomListBox::SetStyle, DefaultStyle());
-  Filer.Property("BorderStyle", this, &TCustomListBox::BorderStyle,
-                 &TCustomListBox::SetBorderStyle, bsSingle);
+  Filer.Property("BorderStyle", this, &TCustomListBox::BorderStyle, &TCustomListBox::SetBorderStyle,
+                 bsSingle);
   DefineColorProperties(Filer, clWindow, false);
   DefineFontProperties(Filer);
 }

@@ -53,9 +53,9 @@ enum TOwnerDrawStateItem : uint8_t {
   odReserved2,
   odComboBoxEdit
 };
-KX_ENUM_NAMES(TOwnerDrawStateItem, "odSelected", "odGrayed", "odDisabled", "odChecked",
-              "odFocused", "odDefault", "odHotLight", "odInactive", "odNoAccel", "odNoFocusRect",
-              "odReserved1", "odReserved2", "odComboBoxEdit")
+KX_ENUM_NAMES(TOwnerDrawStateItem, "odSelected", "odGrayed", "odDisabled", "odChecked", "odFocused",
+              "odDefault", "odHotLight", "odInactive", "odNoAccel", "odNoFocusRect", "odReserved1",
+              "odReserved2", "odComboBoxEdit")
 using TOwnerDrawState = TSet<TOwnerDrawStateItem>;
 
 enum TCheckBoxState : uint8_t { cbUnchecked, cbChecked, cbGrayed };

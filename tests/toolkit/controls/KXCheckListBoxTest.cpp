@@ -103,7 +103,7 @@ struct TCheckCase {
   const char* Name;
   bool AllowGrayed;
   bool ItemEnabled;
-  int Presses;        // on item 1's check box
+  int Presses; // on item 1's check box
   TCheckBoxState State;
   int ClickChecks;
 };
