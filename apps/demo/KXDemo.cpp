@@ -8,6 +8,7 @@
 #include "kxcharts/axes/KXChartAxis.h"
 #include "kxcharts/charts/KXCharts.h"
 #include "kxcharts/charts/bars/KXBarCharts.h"
+#include "kxcharts/functions/KXChartFunction.h"
 #include "kxcharts/legends/KXChartLegends.h"
 #include "kxcharts/toolkit/runtime/KXFormat.h"
 
@@ -88,19 +89,25 @@ void BuildPie(TDemo& Demo, TKXChartPanel* Panel) {
 }
 
 // A signal that arrives while the demo runs: the host's timer appends a value every 40 ms
-// to the signal, its running mean and its upper envelope, and each collection keeps the
-// last 400. A check list beside the panel switches the three on and off.
+// to the signal and its upper envelope, and each collection keeps the last 400. A chart
+// function keeps the average of each ten values of the signal, recalculated as the signal
+// slides. A check list beside the panel switches the three on and off.
 void BuildLive(TDemo& Demo, TKXChartPanel* Panel) {
   auto* Envelope = PlainChart<TKXAreaChart>(Demo, Panel);
   auto* Line = PlainChart<TKXLineChart>(Demo, Panel);
   auto* Mean = PlainChart<TKXLineChart>(Demo, Panel);
   Envelope->SetCaption("Envelope");
   Line->SetCaption("Signal");
-  Mean->SetCaption("Running mean");
+  Mean->SetCaption("Average of 10");
   Mean->Pen()->SetWidth(2);
-  for (TKXCustomChart* C : {static_cast<TKXCustomChart*>(Envelope),
-                            static_cast<TKXCustomChart*>(Line), static_cast<TKXCustomChart*>(Mean)})
+  for (TKXCustomChart* C : {static_cast<TKXCustomChart*>(Envelope), static_cast<TKXCustomChart*>(Line)})
     C->Values()->SetLimit(400);
+  auto* Average = New<TKXChartFunction>(Demo.Form.get());
+  Average->SetFunctionType(cfAverage);
+  Average->SetPeriod(fpValueCount);
+  Average->SetPeriodValue(10);
+  Average->SetSourceChart(Line);
+  Average->SetTargetChart(Mean);
   Panel->Legend()->SetVisible(false);
 
   auto* List = New<TKXLegendListBox>(Demo.Form.get());
@@ -117,7 +124,7 @@ void BuildLive(TDemo& Demo, TKXChartPanel* Panel) {
   });
 
   auto State = std::make_shared<std::pair<double, double>>(0.0, 0.0); // X, phase
-  const auto Next = [Line, Mean, Envelope, State] {
+  const auto Next = [Line, Envelope, State] {
     auto& [X, Phase] = *State;
     Phase += 0.07;
     const double Y = std::sin(Phase) * 40 + std::sin(Phase * 5.3) * 8 + 50;
@@ -126,9 +133,7 @@ void BuildLive(TDemo& Demo, TKXChartPanel* Panel) {
       const TKXChartValues* V = C->Values();
       return V->Count() ? V->Items(V->Count() - 1)->GetValue(1) : Y;
     };
-    const double M = Last(Mean), E = Last(Envelope);
-    Envelope->Values()->Add(X, std::max(Y, E - 0.8));
-    Mean->Values()->Add(X, M + (Y - M) * 0.08);
+    Envelope->Values()->Add(X, std::max(Y, Last(Envelope) - 0.8));
     Line->Values()->Add(X++, Y);
   };
   for (int I = 0; I < 400; ++I)
