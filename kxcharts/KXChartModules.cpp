@@ -9,6 +9,7 @@
 #include "kxcharts/charts/bars/KXBarCharts.h"
 #include "kxcharts/charts/bubbles/KXBubbleCharts.h"
 #include "kxcharts/charts/donuts/KXDonutCharts.h"
+#include "kxcharts/charts/graphs/KXGraphCharts.h"
 #include "kxcharts/core/KXChartRegistry.h"
 #include "kxcharts/functions/KXChartFunction.h"
 
@@ -24,6 +25,7 @@ void StartChartModules() {
     StartChartFunctionModule();
     StartBubbleChartsModule();
     StartDonutChartsModule();
+    StartGraphChartsModule();
   });
 }
 
