@@ -37,6 +37,7 @@ void PaintPanel(TCanvas* Canvas, TKXCustomChartPanel* Panel, const TRect& Area);
 void AddChartKindSheets(std::vector<TGallerySheet>& Sheets);
 void AddPointSheets(std::vector<TGallerySheet>& Sheets);
 void AddShapeKindSheets(std::vector<TGallerySheet>& Sheets);
+void AddGraphSheets(std::vector<TGallerySheet>& Sheets);
 void AddBarSheets(std::vector<TGallerySheet>& Sheets);
 void AddBarFamilySheets(std::vector<TGallerySheet>& Sheets);
 void AddPieSheets(std::vector<TGallerySheet>& Sheets);

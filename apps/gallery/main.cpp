@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
   kx::gallery::AddChartKindSheets(Sheets);
   kx::gallery::AddPointSheets(Sheets);
   kx::gallery::AddShapeKindSheets(Sheets);
+  kx::gallery::AddGraphSheets(Sheets);
   kx::gallery::AddBarSheets(Sheets);
   kx::gallery::AddBarFamilySheets(Sheets);
   kx::gallery::AddPieSheets(Sheets);

@@ -190,10 +190,10 @@ TEST(GraphCharts, OrientationReplacesAtOnceAndLevelGapWaitsForArrange) {
 // --- The model ---
 
 TEST(GraphCharts, AddChildMakesADeeperNodeLinkedForTheChartsOrientation) {
-  TKXGraphChartValue Alone(nullptr);
-  EXPECT_EQ(Alone.AddChild("x"), nullptr);
-  EXPECT_EQ(Alone.Links()->Count(), 0);
-  EXPECT_EQ(Alone.ValueCount(), 5);
+  TOwned<TKXGraphChartValue> Alone(New<TKXGraphChartValue>(nullptr));
+  EXPECT_EQ(Alone->AddChild("x"), nullptr);
+  EXPECT_EQ(Alone->Links()->Count(), 0);
+  EXPECT_EQ(Alone->ValueCount(), 5);
   const std::pair<TKXChartOrientation, std::pair<TConnectionPoint, TConnectionPoint>> Table[] = {
       {orTopDown, {cpBottom, cpTop}},
       {orBottomUp, {cpTop, cpBottom}},
@@ -288,10 +288,10 @@ TEST(GraphCharts, ALinkMadeByAddKeepsItsNodesPenAndOneMovedInTakesTheArrowPen) {
   EXPECT_EQ(L->Pen()->Color(), clRed);
   EXPECT_EQ(L->Owner(), B);
   // Outside a chart nothing hands a pen over.
-  TKXGraphChartValue Alone(nullptr);
-  Alone.Pen()->SetColor(clGreen);
-  EXPECT_EQ(Alone.Links()->Add()->Pen()->Color(), clGreen);
-  EXPECT_EQ(Alone.Links()->Owner(), &Alone);
+  TOwned<TKXGraphChartValue> Alone(New<TKXGraphChartValue>(nullptr));
+  Alone->Pen()->SetColor(clGreen);
+  EXPECT_EQ(Alone->Links()->Add()->Pen()->Color(), clGreen);
+  EXPECT_EQ(Alone->Links()->Owner(), Alone.get());
 }
 
 TEST(GraphCharts, ALinkShowsItsCaptionAsItsNameAndCopiesAnotherLink) {
@@ -315,14 +315,24 @@ TEST(GraphCharts, ALinkShowsItsCaptionAsItsNameAndCopiesAnotherLink) {
 
 // --- Streaming ---
 
+// A named graph chart on a named form, ready to be written and read.
+struct TStoredGraph {
+  TOwned<TGraphForm> Form;
+  TKXGraphChart* Chart = nullptr;
+  TStoredGraph() {
+    StartChartPanelModule();
+    StartGraphChartsModule();
+    RegisterClasses({ClassOf<TGraphForm>()});
+    Form.reset(New<TGraphForm>(nullptr));
+    Form->SetName("Form1");
+    Chart = New<TKXGraphChart>(Form.get());
+    Chart->SetName("Graph1");
+  }
+};
+
 TEST(GraphCharts, AFormWithAGraphComesBackWithEveryLinkInPlace) {
-  StartChartPanelModule();
-  StartGraphChartsModule();
-  RegisterClasses({ClassOf<TGraphForm>()});
-  TOwned<TGraphForm> Form(New<TGraphForm>(nullptr));
-  Form->SetName("Form1");
-  auto* Chart = New<TKXGraphChart>(Form.get());
-  Chart->SetName("Graph1");
+  TStoredGraph Stored;
+  TKXGraphChart* Chart = Stored.Chart;
   Chart->SetOrientation(orRightLeft);
   Chart->SetGraphOptions({goChildSelectionColor});
   TKXGraphChartValue* R = Chart->Values()->Add(0.0, "r");
@@ -331,7 +341,7 @@ TEST(GraphCharts, AFormWithAGraphComesBackWithEveryLinkInPlace) {
   TKXGraphChartValue* C = A->AddChild("c");
   B->Links()->Add()->SetValue(C);
   B->Links()->Add()->SetCaption("nowhere"); // no target: no "ValueIndex"
-  const std::string Json = SaveFormToString(Form.get());
+  const std::string Json = SaveFormToString(Stored.Form.get());
   // One index per link with a target, none for the one without.
   size_t Indices = 0;
   for (size_t At = Json.find("\"ValueIndex\""); At != std::string::npos;
@@ -370,16 +380,11 @@ TEST(GraphCharts, AFormWithAGraphComesBackWithEveryLinkInPlace) {
 }
 
 TEST(GraphCharts, AnIndexThatNamesNoNodeLeavesTheLinkWithoutTarget) {
-  StartChartPanelModule();
-  StartGraphChartsModule();
-  RegisterClasses({ClassOf<TGraphForm>()});
-  TOwned<TGraphForm> Form(New<TGraphForm>(nullptr));
-  Form->SetName("Form1");
-  auto* Chart = New<TKXGraphChart>(Form.get());
-  Chart->SetName("Graph1");
+  TStoredGraph Stored;
+  TKXGraphChart* Chart = Stored.Chart;
   TKXGraphChartValue* R = Chart->Values()->Add(0.0, "r");
   R->AddChild("a");
-  std::string Json = SaveFormToString(Form.get());
+  std::string Json = SaveFormToString(Stored.Form.get());
   const size_t At = Json.find("\"ValueIndex\": 1");
   ASSERT_NE(At, std::string::npos) << Json;
   Json.replace(At, 15, "\"ValueIndex\": 9");
