@@ -93,14 +93,7 @@ protected:
     Chart->Draw(Bitmap->Canvas(), {0, 0, 100, 100});
     return Bitmap.get();
   }
-  TColor At(int32_t X, int32_t Y) const {
-    TColor Found = clWhite;
-    CountPixels(Bitmap.get(), {X, Y, X + 1, Y + 1}, [&](TColor P) {
-      Found = P;
-      return true;
-    });
-    return Found;
-  }
+  TColor At(int32_t X, int32_t Y) const { return Bitmap->Canvas()->Pixel(X, Y); }
   TOwned<TChartsForm> Form;
   TKXCandleStickChart* Chart = nullptr;
   TOwned<TBitmap> Bitmap;
